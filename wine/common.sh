@@ -1,0 +1,44 @@
+# Shared by the scripts that run Windows programs under Wine. Everything lives under build/; the
+# user's own ~/.wine is never touched.
+
+kor_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+kor_build=${KOR_BUILD:-$kor_root/build}
+kor_template=$kor_build/prefix-template
+
+# -all: the hint about the missing 32-bit part is of no use here.
+export WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES=mscoree=d
+kor_wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
+kor_wineserver=$(command -v wineserver || echo /usr/lib/wine/wineserver)
+
+kor_say() { printf '%s\n' "$*" >&2; }
+
+# A prefix that others are copied from: made once, with a scratch home, so that its Desktop and
+# Documents are folders of its own instead of links to the real home.
+kor_make_template() {
+    mkdir -p "$kor_build"
+    (
+        flock 9
+        [ -e "$kor_template/.ready" ] && exit 0
+        rm -rf "$kor_template"
+        mkdir -p "$kor_build/scratch-home"
+        export HOME=$kor_build/scratch-home WINEPREFIX=$kor_template
+        kor_say "Making the Wine prefix template (about 10 s, once) ..."
+        "$kor_wine" wineboot -i >/dev/null 2>&1 || exit 1
+        # A crash must not wait for a dialog; without a window manager a dialog closes at once.
+        "$kor_wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f \
+            >/dev/null 2>&1 || exit 1
+        "$kor_wine" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null 2>&1 || exit 1
+        "$kor_wineserver" -w
+        touch "$kor_template/.ready"
+    ) 9>"$kor_build/.prefix-template.lock"
+}
+
+# kor_copy_prefix DIR: a copy of the template; files that nobody writes to are links.
+kor_copy_prefix() {
+    kor_make_template || return 1
+    rm -rf "$1"
+    mkdir -p "$(dirname "$1")"
+    cp -as "$kor_template" "$1" || return 1
+    rm -f "$1"/*.reg "$1/.update-timestamp" "$1/.ready"
+    cp "$kor_template"/*.reg "$kor_template/.update-timestamp" "$1/"
+}

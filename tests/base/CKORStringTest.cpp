@@ -1,0 +1,242 @@
+#include "base/CKORString.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/GuardedMemory.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/Printing.h"
+
+namespace {
+
+constexpr wchar_t FortyCharacters[] = L"0123456789012345678901234567890123456789";
+
+void ExpectString(const CKORString& text, const wchar_t* expected, std::int64_t capacity) {
+    EXPECT_EQ(text, expected);
+    EXPECT_EQ(text.Count(), static_cast<std::int64_t>(std::wcslen(expected)) + 1);
+    EXPECT_EQ(text.Length(), static_cast<std::int64_t>(std::wcslen(expected)));
+    EXPECT_EQ(text.Capacity(), capacity);
+    EXPECT_EQ(text.Data()[text.Count() - 1], L'\0');
+}
+
+TEST(CKORString, DefaultConstructedIsEmptyWith32Places) {
+    ExpectString(CKORString(), L"", 32);
+}
+
+TEST(CKORString, ConstructedFromTextTakesTheExactSize) {
+    ExpectString(CKORString(L"abc"), L"abc", 4);
+    ExpectString(CKORString(FortyCharacters), FortyCharacters, 41);
+    ExpectString(CKORString(nullptr), L"", 1);
+    ExpectString(CKORString(L""), L"", 1);
+}
+
+TEST(CKORString, TheTransformMirrorsPrintableCharacters) {
+    // The backslash, "B" and everything outside 32 to 126 stay; 158 - 'A' is ']'.
+    const CKORString text(L"A\\B ~\x1F\x7F\xE9z", true);
+    ExpectString(text, L"]\\B~ \x1F\x7F\xE9$", 10);
+    EXPECT_EQ(CKORString(text.Text(), true), L"A\\B ~\x1F\x7F\xE9z");
+    EXPECT_EQ(CKORString(L"A", false), L"A");
+}
+
+TEST(CKORString, CopyingRoundsTheCapacityUpTo32) {
+    const CKORString three(L"abc");
+    const CKORString forty(FortyCharacters);
+    const CKORString thirtyOne(L"0123456789012345678901234567890");
+    ExpectString(CKORString(three), L"abc", 32);
+    ExpectString(CKORString(forty), FortyCharacters, 64);
+    ExpectString(CKORString(thirtyOne), thirtyOne.Text(), 32);
+}
+
+TEST(CKORString, AStringWithoutStorageIsEmptyAndSoIsItsCopy) {
+    CKORString text(L"abc");
+    text.SetSize(0, true);
+    const CKORString copy(text);
+    for (const CKORString* const empty : {static_cast<const CKORString*>(&text), &copy}) {
+        EXPECT_EQ(empty->Data(), nullptr);
+        EXPECT_EQ(empty->Count(), 0);
+        EXPECT_EQ(empty->Length(), 0);
+        EXPECT_STREQ(empty->Text(), L"");
+    }
+    EXPECT_EQ(copy.Split(CKORString(L";")).Count(), 0);
+    EXPECT_EQ(copy.Mid(0), L"");
+}
+
+TEST(CKORString, AssigningTakesNullAndKeepsTheGrowthStep) {
+    CKORString inSteps;
+    inSteps = FortyCharacters;
+    ExpectString(inSteps, FortyCharacters, 64);
+    inSteps = nullptr;
+    ExpectString(inSteps, L"", 64);
+
+    CKORString exact(L"a");
+    exact = FortyCharacters;
+    ExpectString(exact, FortyCharacters, 41);
+
+    CKORString fromString;
+    fromString = exact;
+    ExpectString(fromString, FortyCharacters, 64);
+    fromString = CKORString(L"temporary");
+    ExpectString(fromString, L"temporary", 64);
+    CKORString& alias = fromString;
+    fromString = alias;
+    ExpectString(fromString, L"temporary", 64);
+}
+
+TEST(CKORString, APieceOfTheStringItselfCanBeAssignedAndAppended) {
+    CKORString text(L"abcdef");
+    text = text.Text() + 2;
+    EXPECT_EQ(text, L"cdef");
+    text += text.Text();
+    EXPECT_EQ(text, L"cdefcdef");
+    text += text.Text() + 6;
+    EXPECT_EQ(text, L"cdefcdefef");
+    text += text;
+    EXPECT_EQ(text, L"cdefcdefefcdefcdefef");
+}
+
+TEST(CKORString, AppendingTextGrowsByTheStep) {
+    CKORString exact(L"ab");
+    exact += L"cd";
+    ExpectString(exact, L"abcd", 5);
+
+    CKORString inSteps;
+    inSteps += L"abcd";
+    ExpectString(inSteps, L"abcd", 32);
+    inSteps += FortyCharacters;
+    EXPECT_EQ(inSteps.Capacity(), 64);
+    EXPECT_EQ(inSteps.Length(), 44);
+
+    CKORString withoutStorage(L"x");
+    withoutStorage.SetSize(0, true);
+    withoutStorage += L"abc";
+    ExpectString(withoutStorage, L"abc", 4);
+}
+
+TEST(CKORString, AppendingAStringDropsTheTerminatorFirst) {
+    CKORString text(L"ab");
+    text += CKORString(L"cd");
+    ExpectString(text, L"abcd", 5);
+
+    // An empty string gives its storage up first: the 64 places become 32.
+    CKORString large;
+    large = FortyCharacters;
+    large = L"";
+    EXPECT_EQ(large.Capacity(), 64);
+    large += CKORString(L"abc");
+    ExpectString(large, L"abc", 32);
+
+    CKORString empty(L"");
+    empty += CKORString(L"");
+    ExpectString(empty, L"", 1);
+    empty += empty;
+    ExpectString(empty, L"", 1);
+}
+
+TEST(CKORString, AppendingToOrFromAStringWithoutStorage) {
+    CKORString without(L"x");
+    without.SetSize(0, true);
+
+    CKORString text(L"ab");
+    text += without;
+    ExpectString(text, L"ab", 3);
+
+    CKORString target(L"y");
+    target.SetSize(0, true);
+    target += text;
+    ExpectString(target, L"ab", 3);
+}
+
+TEST(CKORString, ConcatenatesStringsAndTexts) {
+    const CKORString a(L"a");
+    const CKORString b(L"b");
+    EXPECT_EQ(a + b, L"ab");
+    EXPECT_EQ(a + L"c", L"ac");
+    EXPECT_EQ(L"c" + a, L"ca");
+    EXPECT_EQ(a, L"a");
+    EXPECT_EQ((a + b).Capacity(), 32) << "the left operand is copied";
+}
+
+TEST(CKORString, FormatsWithTheExactCount) {
+    const CKORString id = CKORString::Format(L"%s_%d", L"KOR", 0);
+    EXPECT_EQ(id, L"KOR_0");
+    EXPECT_EQ(id.Count(), 6);
+    EXPECT_EQ(id.Capacity(), 32);
+    const CKORString longText = CKORString::Format(L"%s%s", FortyCharacters, FortyCharacters);
+    EXPECT_EQ(longText.Length(), 80);
+    EXPECT_EQ(longText.Capacity(), 96);
+    EXPECT_EQ(CKORString::Format(L""), L"");
+}
+
+TEST(CKORString, AFormatErrorLeavesACountOfZero) {
+    HOOK_IMPORT(count, _vscwprintf, [](const wchar_t*, va_list) { return -1; });
+    const CKORString text = CKORString::Format(L"%s", L"x");
+    EXPECT_EQ(text.Count(), 0);
+    EXPECT_EQ(text.Length(), 0);
+    EXPECT_STREQ(text.Text(), L"");
+}
+
+TEST(CKORString, MidAndLeftTakeTheExactSize) {
+    const CKORString text(L"abcdef");
+    ExpectString(text.Mid(3), L"def", 4);
+    ExpectString(text.Mid(3, -1), L"def", 4);
+    ExpectString(text.Mid(1, 2), L"bc", 3);
+    ExpectString(text.Mid(6), L"", 1);
+    ExpectString(text.Mid(0, 0), L"", 1);
+    ExpectString(text.Left(2), L"ab", 3);
+    ExpectString(text.Left(0), L"", 1);
+
+    CKORString grown = text.Left(2);
+    grown += L"c";
+    EXPECT_EQ(grown.Capacity(), 4) << "the step is the table's 1";
+}
+
+struct SplitCase {
+    const wchar_t* text;
+    const wchar_t* delimiters;
+    std::vector<std::wstring> tokens;
+};
+
+TEST(CKORString, SplitsAtEveryDelimiter) {
+    const SplitCase cases[] = {
+        {L"", L";", {}},
+        {L"a", L";", {L"a"}},
+        {L"a;;b", L";", {L"a", L"", L"b"}},
+        {L"a;b;", L";", {L"a", L"b", L""}},
+        {L";", L";", {L"", L""}},
+        {L";a", L";", {L"", L"a"}},
+        {L"3.1.2", L".", {L"3", L"1", L"2"}},
+        {L"a,b;c", L";,", {L"a", L"b", L"c"}},
+        {L"a;b", L"", {L"a;b"}},
+    };
+    for (const SplitCase& c : cases) {
+        std::vector<std::wstring> got;
+        for (const CKORString& token : CKORString(c.text).Split(CKORString(c.delimiters))) {
+            got.emplace_back(token.Text());
+        }
+        EXPECT_EQ(got, c.tokens) << testing::PrintToString(std::wstring(c.text));
+    }
+}
+
+TEST(CKORString, SplitReservesThePiecesThatBeginBeforeTheEnd) {
+    EXPECT_EQ(CKORString(L"a;b;c").Split(CKORString(L";")).Capacity(), 3);
+    EXPECT_EQ(CKORString(L"a;").Split(CKORString(L";")).Capacity(), 2)
+        << "one place reserved, the empty last token grows the table by one";
+}
+
+TEST(CKORString, ReleasesWhatItTook) {
+    const std::int64_t before = test::LiveBlocks();
+    {
+        CKORString text(L"abc");
+        text += text;
+        const CKORString copy(text);
+        const CKORString moved(std::move(text));
+        EXPECT_EQ(moved, L"abcabc");
+        const auto tokens = copy.Split(CKORString(L"b"));
+        EXPECT_EQ(tokens.Count(), 3);
+    }
+    EXPECT_EQ(test::LiveBlocks(), before);
+}
+
+} // namespace

@@ -1,0 +1,223 @@
+#include "base/CTable1D.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <limits>
+#include <string>
+
+#include "base/CKORString.h"
+#include "tests/support/GuardedMemory.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/Printing.h"
+
+namespace {
+
+// Opens the growth fields to the tests.
+struct Table : CTable1D<std::int64_t> {
+    using CTable1D::GrowBy;
+    using CTable1D::GrowthFactor;
+    using CTable1D::InitialGrowBy;
+};
+
+TEST(CTable1D, ANewTableIsEmptyAndGrowsByOne) {
+    const Table table;
+    EXPECT_EQ(table.Data(), nullptr);
+    EXPECT_EQ(table.Count(), 0);
+    EXPECT_EQ(table.Capacity(), 0);
+    EXPECT_EQ(table.GrowBy, 1);
+    EXPECT_EQ(table.InitialGrowBy, 1);
+    EXPECT_EQ(table.GrowthFactor, 1);
+}
+
+TEST(CTable1D, EachAppendGrowsTheCapacityByOne) {
+    Table table;
+    for (std::int64_t i = 0; i < 5; ++i) {
+        table.Add(i * 10);
+        EXPECT_EQ(table.Count(), i + 1);
+        EXPECT_EQ(table.Capacity(), i + 1);
+    }
+    for (std::int64_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(table[i], i * 10);
+    }
+}
+
+TEST(CTable1D, CapacityIsRoundedUpToTheGrowthStep) {
+    Table table;
+    table.GrowBy = 8;
+    table.Add(1);
+    EXPECT_EQ(table.Capacity(), 8);
+    for (int i = 0; i < 8; ++i) {
+        table.Add(2);
+    }
+    EXPECT_EQ(table.Count(), 9);
+    EXPECT_EQ(table.Capacity(), 16);
+    EXPECT_EQ(table.GrowBy, 8) << "a factor of 1 keeps the step";
+}
+
+TEST(CTable1D, TheFactorMultipliesTheStepAfterAGrowthPastIt) {
+    Table table;
+    table.GrowBy = 4;
+    table.GrowthFactor = 3;
+    table.Add(0);
+    EXPECT_EQ(table.Capacity(), 4);
+    EXPECT_EQ(table.GrowBy, 4) << "a capacity of exactly the step does not raise it";
+    for (int i = 0; i < 4; ++i) {
+        table.Add(0);
+    }
+    EXPECT_EQ(table.Capacity(), 8);
+    EXPECT_EQ(table.GrowBy, 12);
+    for (int i = 0; i < 4; ++i) {
+        table.Add(0);
+    }
+    EXPECT_EQ(table.Capacity(), 12);
+    EXPECT_EQ(table.GrowBy, 12);
+}
+
+TEST(CTable1D, SetSizeToTheCapacityOnlyChangesTheCount) {
+    Table table;
+    table.SetSize(3, true);
+    table[0] = 5;
+    table[1] = 6;
+    table[2] = 7;
+    table.RemoveLast();
+    table.RemoveLast();
+    const std::int64_t* const storage = table.Data();
+    table.SetSize(3, false);
+    EXPECT_EQ(table.Data(), storage);
+    EXPECT_EQ(table.Count(), 3);
+    EXPECT_EQ(table[1], 6) << "the elements keep what they held";
+    EXPECT_EQ(table[2], 7);
+}
+
+TEST(CTable1D, SetSizeBelowOneFreesTheStorageAndResetsTheStep) {
+    for (const std::int64_t n : {std::int64_t{0}, std::int64_t{-1}}) {
+        Table table;
+        table.SetSize(3, true);
+        table.GrowBy = 9;
+        table.InitialGrowBy = 2;
+        table.SetSize(n, true);
+        EXPECT_EQ(table.Data(), nullptr);
+        EXPECT_EQ(table.Count(), 0);
+        EXPECT_EQ(table.Capacity(), 0);
+        EXPECT_EQ(table.GrowBy, 2);
+    }
+}
+
+TEST(CTable1D, SetSizeKeepsTheFirstElementsOnRequest) {
+    CTable1D<CKORString> table;
+    table.Add(CKORString(L"a"));
+    table.Add(CKORString(L"b"));
+    table.SetSize(3, true);
+    EXPECT_EQ(table[0], L"a");
+    EXPECT_EQ(table[1], L"b");
+    EXPECT_EQ(table[2], L"") << "new elements are constructed empty";
+    table.SetSize(1, true);
+    EXPECT_EQ(table.Count(), 1);
+    EXPECT_EQ(table[0], L"a");
+    table.SetSize(2, false);
+    EXPECT_EQ(table[0], L"");
+    EXPECT_EQ(table[1], L"");
+}
+
+TEST(CTable1D, ReserveKeepsElementsAndCount) {
+    Table table;
+    table.Add(4);
+    table.Reserve(10);
+    EXPECT_EQ(table.Count(), 1);
+    EXPECT_EQ(table.Capacity(), 10);
+    EXPECT_EQ(table[0], 4);
+}
+
+TEST(CTable1D, RemovingKeepsTheStorage) {
+    Table table;
+    table.Add(1);
+    table.Add(2);
+    table.RemoveLast();
+    table.RemoveLast();
+    EXPECT_EQ(table.Count(), 0);
+    EXPECT_EQ(table.Capacity(), 2);
+}
+
+TEST(CTable1D, AnElementOfTheTableCanBeAppendedToIt) {
+    CTable1D<CKORString> table;
+    table.Add(CKORString(L"first"));
+    for (int i = 0; i < 5; ++i) {
+        table.Add(table[0]);
+    }
+    EXPECT_EQ(table[5], L"first");
+}
+
+TEST(CTable1D, MovingHandsTheStorageOver) {
+    Table from;
+    from.Add(1);
+    const std::int64_t* const storage = from.Data();
+    Table to(std::move(from));
+    EXPECT_EQ(to.Data(), storage);
+    EXPECT_EQ(to.Count(), 1);
+    EXPECT_EQ(from.Data(), nullptr); // NOLINT(bugprone-use-after-move): its state is promised
+    Table other;
+    other.Add(2);
+    other = std::move(to);
+    EXPECT_EQ(other.Data(), storage);
+}
+
+TEST(CTable1D, ReleasesEveryElement) {
+    const std::int64_t before = test::LiveBlocks();
+    {
+        CTable1D<CKORString> table;
+        for (int i = 0; i < 20; ++i) {
+            table.Add(CKORString(L"text"));
+        }
+        table.SetSize(5, true);
+    }
+    EXPECT_EQ(test::LiveBlocks(), before);
+}
+
+// The fatal report, seen through MessageBoxW: its text goes to standard error, where the death
+// tests look for it.
+void PrintFatalReport() {
+    static const auto print = [](HWND, LPCWSTR text, LPCWSTR caption, UINT style) {
+        std::fprintf(stderr, "[%ls|%ls|%u]", text, caption, style);
+        return IDOK;
+    };
+    static HOOK_IMPORT(box, MessageBoxW, print);
+}
+
+constexpr char FatalReport[] =
+    "\\[Not enough heap memory to process\\.\\|Fatal memory error\\.\\|0\\]";
+
+TEST(CTable1DDeathTest, ASizeThatOverflowsEndsTheProcess) {
+    EXPECT_EXIT(
+        {
+            PrintFatalReport();
+            Table table;
+            // Eight times this wraps round to 8 bytes.
+            table.SetSize((std::int64_t{1} << 61) + 1, true);
+        },
+        testing::ExitedWithCode(1), FatalReport);
+}
+
+TEST(CTable1DDeathTest, ARefusedAllocationEndsTheProcess) {
+    EXPECT_EXIT(
+        {
+            PrintFatalReport();
+            Table table;
+            table.Add(1);
+            const test::AllocationFailure failure(1);
+            table.Add(2);
+        },
+        testing::ExitedWithCode(1), FatalReport);
+}
+
+TEST(CTable1DDeathTest, AnAllocationRefusedToAStringEndsTheProcess) {
+    EXPECT_EXIT(
+        {
+            PrintFatalReport();
+            const test::AllocationFailure failure(1);
+            const CKORString text;
+        },
+        testing::ExitedWithCode(1), FatalReport);
+}
+
+} // namespace

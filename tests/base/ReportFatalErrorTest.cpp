@@ -1,0 +1,122 @@
+#include "base/ReportFatalError.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <wtsapi32.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/ImportHook.h"
+
+namespace {
+
+struct Case {
+    const char* what;
+    BOOL sessionFound;
+    DWORD session;
+    DWORD console;
+    bool toConsole;
+};
+
+constexpr Case Cases[] = {
+    {"an ordinary process", TRUE, 1, 1, false},
+    {"a service, user at the console", TRUE, 0, 1, true},
+    {"a service, no console attached", TRUE, 0, 0xFFFFFFFF, true},
+    {"a service, console in session 0", TRUE, 0, 0, false},
+    {"the session cannot be found", FALSE, 5, 1, true},
+    {"the session cannot be found, console 0", FALSE, 5, 0, false},
+};
+
+class FatalReport : public testing::TestWithParam<Case> {};
+
+TEST_P(FatalReport, TakesTheRouteThatTheSessionsAskFor) {
+    const Case& c = GetParam();
+    std::vector<std::string> calls;
+    HOOK_IMPORT(session, ProcessIdToSessionId, [&](DWORD process, DWORD* id) -> BOOL {
+        EXPECT_EQ(process, GetCurrentProcessId());
+        if (c.sessionFound != FALSE) {
+            *id = c.session;
+        }
+        return c.sessionFound;
+    });
+    HOOK_IMPORT(console, WTSGetActiveConsoleSessionId, [&] { return c.console; });
+    HOOK_IMPORT(send, WTSSendMessageW,
+                [&](HANDLE server, DWORD id, LPWSTR caption, DWORD captionBytes, LPWSTR message,
+                    DWORD messageBytes, DWORD style, DWORD timeout, DWORD* answer,
+                    WINBOOL wait) -> WINBOOL {
+                    calls.emplace_back("send");
+                    EXPECT_EQ(server, nullptr);
+                    EXPECT_EQ(id, c.console);
+                    EXPECT_EQ(std::wstring(caption), L"Caption");
+                    EXPECT_EQ(captionBytes, 16U);
+                    EXPECT_EQ(std::wstring(message), L"The message");
+                    EXPECT_EQ(messageBytes, 24U);
+                    EXPECT_EQ(style, 0x31U);
+                    EXPECT_EQ(timeout, 0U);
+                    EXPECT_EQ(*answer, static_cast<DWORD>(IDOK));
+                    EXPECT_EQ(wait, TRUE);
+                    *answer = IDCANCEL;
+                    return TRUE;
+                });
+    HOOK_IMPORT(box, MessageBoxW, [&](HWND owner, LPCWSTR message, LPCWSTR caption, UINT style) {
+        calls.emplace_back("box");
+        EXPECT_EQ(owner, nullptr);
+        EXPECT_EQ(std::wstring(message), L"The message");
+        EXPECT_EQ(std::wstring(caption), L"Caption");
+        EXPECT_EQ(style, 0x31U);
+        return IDRETRY;
+    });
+
+    const int answer = ReportFatalError(L"The message", L"Caption", 0x31);
+
+    EXPECT_EQ(calls, std::vector<std::string>{c.toConsole ? "send" : "box"}) << c.what;
+    EXPECT_EQ(answer, c.toConsole ? IDCANCEL : IDRETRY) << c.what;
+}
+
+INSTANTIATE_TEST_SUITE_P(Sessions, FatalReport, testing::ValuesIn(Cases));
+
+TEST(FatalReport, AMessageThatCouldNotBeSentCountsAsAnsweredWithOk) {
+    HOOK_IMPORT(session, ProcessIdToSessionId, [](DWORD, DWORD* id) -> BOOL {
+        *id = 0;
+        return TRUE;
+    });
+    HOOK_IMPORT(console, WTSGetActiveConsoleSessionId, [] { return DWORD{2}; });
+    HOOK_IMPORT(send, WTSSendMessageW,
+                [](HANDLE, DWORD, LPWSTR, DWORD, LPWSTR, DWORD, DWORD, DWORD, DWORD*,
+                   WINBOOL) -> WINBOOL { return FALSE; });
+    EXPECT_EQ(ReportFatalError(L"m", L"c", 0), IDOK);
+}
+
+// A real box, closed by a helper thread that presses its button.
+TEST(FatalReport, ShowsARealMessageBox) {
+    struct Seen {
+        std::wstring text;
+    } seen;
+    const HANDLE thread = CreateThread(
+        nullptr, 0,
+        [](void* argument) -> DWORD {
+            auto* const result = static_cast<Seen*>(argument);
+            for (const ULONGLONG end = GetTickCount64() + 10000; GetTickCount64() < end;) {
+                const HWND box = FindWindowW(L"#32770", L"Fatal test");
+                if (box != nullptr && IsWindowVisible(box) != FALSE) {
+                    wchar_t text[100] = {};
+                    GetDlgItemTextW(box, 0xFFFF, text, 100);
+                    result->text = text;
+                    PostMessageW(box, WM_COMMAND, IDOK, 0);
+                    return 1;
+                }
+                Sleep(5);
+            }
+            return 0;
+        },
+        &seen, 0, nullptr);
+    ASSERT_NE(thread, nullptr);
+    EXPECT_EQ(ReportFatalError(L"Seen by the user", L"Fatal test", MB_OK), IDOK);
+    EXPECT_EQ(WaitForSingleObject(thread, 10000), WAIT_OBJECT_0);
+    CloseHandle(thread);
+    EXPECT_EQ(seen.text, L"Seen by the user");
+}
+
+} // namespace

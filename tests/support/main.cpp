@@ -1,0 +1,20 @@
+// The main function of every test program. Tests delete keys and folders, so they run only where a
+// throw-away prefix says that they may.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <cstdio>
+
+int main(int argc, char** argv) {
+    if (GetEnvironmentVariableW(L"KOR_TEST_SANDBOX", nullptr, 0) == 0) {
+        std::fputs("This program changes the registry and deletes files. It runs only in the "
+                   "throw-away prefix that wine/in-prefix.sh makes.\n",
+                   stderr);
+        return 2;
+    }
+    // CTest shows the output as it comes; an abort must not lose lines.
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+    testing::InitGoogleTest(&argc, argv);
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    return RUN_ALL_TESTS();
+}

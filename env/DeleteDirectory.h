@@ -1,0 +1,17 @@
+// Deletion of a directory with everything in it.
+#pragma once
+
+// Both give false at the first thing that cannot be deleted, with the cause in the thread's last
+// error; what was deleted until then stays deleted. Paths of entries are built in buffers of 260
+// characters: a directory or an entry whose path is longer makes the deletion fail
+// (ERROR_FILENAME_EXCED_RANGE), and so bounds the depth of the recursion. A null or empty path
+// fails (ERROR_PATH_NOT_FOUND): it would stand for the root of the current drive.
+// An entry whose name holds ".." is never deleted, and so keeps its directory from being deleted. A
+// link to a directory is emptied like a directory.
+
+// Fails on a read-only file.
+bool DeleteDirectory(const wchar_t* path);
+
+// With mode 1, read-only files directly in the directory are deleted too; those in its
+// subdirectories still make it fail.
+bool DeleteDirectoryForced(const wchar_t* path, int mode);

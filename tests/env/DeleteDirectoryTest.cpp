@@ -1,0 +1,305 @@
+#include "env/DeleteDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/env/FileCalls.h"
+#include "tests/env/TempFolder.h"
+
+namespace {
+
+using test::Exists;
+using test::FileCalls;
+using test::TempFolder;
+
+constexpr std::size_t LongestPath = 259;
+// "\*" and a terminator must fit behind it.
+constexpr std::size_t LongestDirectory = 257;
+
+struct Outcome {
+    bool isDeleted;
+    DWORD error;
+};
+
+Outcome Delete(const std::wstring& path) {
+    SetLastError(ERROR_SUCCESS);
+    const bool isDeleted = DeleteDirectory(path.c_str());
+    return {isDeleted, GetLastError()};
+}
+
+Outcome DeleteForced(const std::wstring& path, int mode) {
+    SetLastError(ERROR_SUCCESS);
+    const bool isDeleted = DeleteDirectoryForced(path.c_str(), mode);
+    return {isDeleted, GetLastError()};
+}
+
+TEST(DeleteDirectory, RemovesAnEmptyDirectory) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    EXPECT_TRUE(Delete(top).isDeleted);
+    EXPECT_FALSE(Exists(top));
+    EXPECT_TRUE(Exists(folder.Path()));
+}
+
+TEST(DeleteDirectory, RemovesEverythingInItAndNothingBesideIt) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    folder.MakeFolder(L"top\\.starts with a dot");
+    folder.MakeFile(L"top\\.starts with a dot\\.file");
+    folder.MakeFile(L"top\\hidden", FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM);
+    folder.MakeFile(L"top\\one.two.three");
+    folder.MakeFile(L"top\\\x00E9\x4E2D\xD83D\xDE00");
+    folder.MakeFolder(L"top\\a");
+    folder.MakeFolder(L"top\\a\\b");
+    folder.MakeFolder(L"top\\a\\b\\c");
+    folder.MakeFile(L"top\\a\\b\\c\\file");
+    const std::wstring beside[] = {folder.MakeFile(L"top2"), folder.MakeFile(L"top.txt"),
+                                   folder.MakeFile(L"a")};
+    EXPECT_TRUE(Delete(top).isDeleted);
+    EXPECT_FALSE(Exists(top));
+    for (const std::wstring& path : beside) {
+        EXPECT_TRUE(Exists(path)) << path;
+    }
+}
+
+TEST(DeleteDirectory, TakesAPathThatEndsInABackslash) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    folder.MakeFile(L"top\\file");
+    EXPECT_TRUE(Delete(top + L"\\").isDeleted);
+    EXPECT_FALSE(Exists(top));
+}
+
+TEST(DeleteDirectory, FailsWhereThereIsNoDirectory) {
+    const TempFolder folder;
+    const std::wstring file = folder.MakeFile(L"file");
+    for (const std::wstring& path :
+         {folder.PathOf(L"missing"), folder.PathOf(L"missing\\too"), file, folder.PathOf(L"f*")}) {
+        const FileCalls calls;
+        const Outcome outcome = Delete(path);
+        EXPECT_FALSE(outcome.isDeleted) << path;
+        EXPECT_NE(outcome.error, DWORD{ERROR_SUCCESS}) << path;
+        EXPECT_EQ(calls.Calls().size(), 1U) << "only the search was tried";
+    }
+    EXPECT_TRUE(Exists(file));
+}
+
+TEST(DeleteDirectory, ANullOrEmptyPathIsNotTheRootOfTheDrive) {
+    const FileCalls calls;
+    for (const wchar_t* const path : {static_cast<const wchar_t*>(nullptr), L""}) {
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_FALSE(DeleteDirectory(path));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_FALSE(DeleteDirectoryForced(path, 1));
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
+    }
+    EXPECT_TRUE(calls.Calls().empty());
+}
+
+// Dots within a name: the entry is skipped, the rest goes, the directory stays.
+TEST(DeleteDirectory, AnEntryWithTwoDotsInItsNameKeepsTheDirectory) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    const std::wstring kept = folder.MakeFile(L"top\\m..n");
+    const std::wstring keptFolder = folder.MakeFolder(L"top\\p..q");
+    const std::wstring inKeptFolder = folder.MakeFile(L"top\\p..q\\file");
+    const std::wstring before = folder.MakeFile(L"top\\a");
+    const std::wstring behind = folder.MakeFile(L"top\\z");
+    const Outcome outcome = Delete(top);
+    EXPECT_FALSE(outcome.isDeleted);
+    EXPECT_EQ(outcome.error, DWORD{ERROR_DIR_NOT_EMPTY});
+    EXPECT_TRUE(Exists(kept));
+    EXPECT_TRUE(Exists(keptFolder));
+    EXPECT_TRUE(Exists(inKeptFolder));
+    EXPECT_FALSE(Exists(before));
+    EXPECT_FALSE(Exists(behind));
+    EXPECT_FALSE(DeleteForced(top, 1).isDeleted);
+    EXPECT_TRUE(Exists(kept));
+}
+
+// Below a directory, such an entry ends the whole deletion.
+TEST(DeleteDirectory, AnEntryWithTwoDotsBelowEndsTheDeletion) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    folder.MakeFolder(L"top\\m");
+    folder.MakeFile(L"top\\m\\x..y");
+    const std::wstring behind = folder.MakeFile(L"top\\z");
+    const Outcome outcome = Delete(top);
+    EXPECT_FALSE(outcome.isDeleted);
+    EXPECT_EQ(outcome.error, DWORD{ERROR_DIR_NOT_EMPTY});
+    EXPECT_TRUE(Exists(behind));
+}
+
+TEST(DeleteDirectory, PassesOverTheFirstEntryWithoutALook) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    const std::wstring first = folder.MakeFile(L"top\\first");
+    const std::wstring second = folder.MakeFile(L"top\\second");
+    // As in the root of a drive, whose search finds no dot entries.
+    HOOK_IMPORT(search, FindFirstFileW, [&](LPCWSTR pattern, LPWIN32_FIND_DATAW data) -> HANDLE {
+        const HANDLE handle = search.Original(pattern, data);
+        while (data->cFileName[0] == L'.' && FindNextFileW(handle, data)) {
+        }
+        EXPECT_STREQ(data->cFileName, L"first");
+        return handle;
+    });
+    const Outcome outcome = Delete(top);
+    EXPECT_FALSE(outcome.isDeleted);
+    EXPECT_EQ(outcome.error, DWORD{ERROR_DIR_NOT_EMPTY});
+    EXPECT_TRUE(Exists(first));
+    EXPECT_FALSE(Exists(second));
+}
+
+// The search lists entries in the order of their names here; elsewhere the order of the two lists
+// may differ, the rest holds.
+TEST(DeleteDirectory, StopsAtAReadOnlyFile) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    const std::wstring before = folder.MakeFile(L"top\\a");
+    const std::wstring readOnly = folder.MakeFile(L"top\\b", FILE_ATTRIBUTE_READONLY);
+    const std::wstring behind = folder.MakeFile(L"top\\c");
+    const Outcome outcome = Delete(top);
+    EXPECT_FALSE(outcome.isDeleted);
+    EXPECT_EQ(outcome.error, DWORD{ERROR_ACCESS_DENIED});
+    EXPECT_FALSE(Exists(before));
+    EXPECT_TRUE(Exists(readOnly));
+    EXPECT_TRUE(Exists(behind));
+    EXPECT_NE(GetFileAttributesW(readOnly.c_str()) & FILE_ATTRIBUTE_READONLY, 0U);
+
+    for (const int mode : {0, 2, -1}) {
+        EXPECT_FALSE(DeleteForced(top, mode).isDeleted) << mode;
+        EXPECT_TRUE(Exists(readOnly)) << mode;
+    }
+    EXPECT_TRUE(DeleteForced(top, 1).isDeleted);
+    EXPECT_FALSE(Exists(top));
+}
+
+TEST(DeleteDirectory, AReadOnlyFileOneLevelDeeperStopsBothForms) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    folder.MakeFolder(L"top\\m");
+    const std::wstring readOnly = folder.MakeFile(L"top\\m\\file", FILE_ATTRIBUTE_READONLY);
+    const std::wstring behind = folder.MakeFile(L"top\\z");
+    for (const Outcome& outcome : {Delete(top), DeleteForced(top, 1)}) {
+        EXPECT_FALSE(outcome.isDeleted);
+        EXPECT_EQ(outcome.error, DWORD{ERROR_ACCESS_DENIED});
+        EXPECT_TRUE(Exists(readOnly));
+        EXPECT_TRUE(Exists(behind)) << "a failing subdirectory ends the deletion";
+        EXPECT_NE(GetFileAttributesW(readOnly.c_str()) & FILE_ATTRIBUTE_READONLY, 0U);
+    }
+}
+
+TEST(DeleteDirectory, AFileInUseStopsIt) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    const std::wstring file = folder.MakeFile(L"top\\file");
+    const HANDLE open = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(open, INVALID_HANDLE_VALUE);
+    const Outcome outcome = DeleteForced(top, 1);
+    EXPECT_FALSE(outcome.isDeleted);
+    EXPECT_EQ(outcome.error, DWORD{ERROR_SHARING_VIOLATION});
+    EXPECT_TRUE(Exists(file));
+    CloseHandle(open);
+    EXPECT_TRUE(Delete(top).isDeleted);
+}
+
+TEST(DeleteDirectory, TheLongestDirectoryIsDeleted) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolderOfLength(LongestDirectory);
+    const FileCalls calls;
+    EXPECT_TRUE(Delete(top).isDeleted);
+    EXPECT_TRUE(calls.IsBalanced());
+    EXPECT_FALSE(Exists(top));
+}
+
+TEST(DeleteDirectory, ALongerDirectoryFailsBeforeAnyCall) {
+    const TempFolder folder;
+    for (const std::size_t length : {LongestDirectory + 1, LongestPath, LongestPath + 1}) {
+        const std::wstring top = folder.MakeFolderOfLength(length);
+        const FileCalls calls;
+        for (const Outcome& outcome : {Delete(top), DeleteForced(top, 1)}) {
+            EXPECT_FALSE(outcome.isDeleted) << length;
+            EXPECT_EQ(outcome.error, DWORD{ERROR_FILENAME_EXCED_RANGE}) << length;
+        }
+        EXPECT_TRUE(calls.Calls().empty()) << length;
+        EXPECT_TRUE(Exists(top)) << length;
+    }
+    const Outcome outcome = Delete(std::wstring(100'000, L'x'));
+    EXPECT_FALSE(outcome.isDeleted);
+    EXPECT_EQ(outcome.error, DWORD{ERROR_FILENAME_EXCED_RANGE});
+}
+
+TEST(DeleteDirectory, TheLongestEntryIsDeletedALongerOneStopsIt) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolderOfLength(200);
+    const std::wstring name = top.substr(folder.Path().size() + 1);
+    const auto fileOfLength = [&](std::size_t length) {
+        return name + L"\\" + std::wstring(length - top.size() - 1, L'm');
+    };
+    folder.MakeFile(fileOfLength(LongestPath));
+    EXPECT_TRUE(Delete(top).isDeleted);
+
+    folder.MakeFolderOfLength(200);
+    folder.MakeFile(name + L"\\a");
+    const std::wstring tooLong = folder.MakeFile(fileOfLength(LongestPath + 1));
+    const std::wstring behind = folder.MakeFile(name + L"\\z");
+    const FileCalls calls;
+    const Outcome outcome = DeleteForced(top, 1);
+    EXPECT_FALSE(outcome.isDeleted);
+    EXPECT_EQ(outcome.error, DWORD{ERROR_FILENAME_EXCED_RANGE});
+    EXPECT_TRUE(calls.IsBalanced());
+    EXPECT_FALSE(Exists(folder.PathOf(name + L"\\a")));
+    EXPECT_TRUE(Exists(tooLong));
+    EXPECT_TRUE(Exists(behind));
+}
+
+TEST(DeleteDirectory, ASubdirectoryThatIsTooLongIsNotEntered) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolderOfLength(200);
+    const std::wstring name = top.substr(folder.Path().size() + 1);
+    // It fits as an entry, but not with "\*" behind it.
+    const std::wstring below =
+        name + L"\\" + std::wstring(LongestDirectory + 1 - top.size() - 1, L'm');
+    folder.MakeFolder(below);
+    const std::wstring file = folder.MakeFile(below + L"\\f");
+    const FileCalls calls;
+    const Outcome outcome = Delete(top);
+    EXPECT_FALSE(outcome.isDeleted);
+    EXPECT_EQ(outcome.error, DWORD{ERROR_FILENAME_EXCED_RANGE});
+    EXPECT_TRUE(calls.IsBalanced());
+    EXPECT_TRUE(Exists(file));
+}
+
+// A level for every two characters: as deep as the recursion can go.
+TEST(DeleteDirectory, TheDeepestTreeIsDeleted) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"t");
+    std::wstring name = L"t";
+    while (folder.PathOf(name).size() + 2 <= LongestDirectory) {
+        name += L"\\d";
+        folder.MakeFolder(name);
+    }
+    EXPECT_TRUE(Delete(top).isDeleted);
+    EXPECT_FALSE(Exists(top));
+}
+
+// Each entry costs the same calls, however many there are.
+TEST(DeleteDirectory, MakesTheSameCallsForEachEntry) {
+    for (const int count : {1, 10, 200}) {
+        const TempFolder folder;
+        const std::wstring top = folder.MakeFolder(L"top");
+        for (int i = 0; i < count; ++i) {
+            const std::wstring name = L"top\\" + std::to_wstring(i);
+            folder.MakeFolder(name);
+            folder.MakeFile(name + L"\\file");
+        }
+        const FileCalls calls;
+        EXPECT_TRUE(Delete(top).isDeleted);
+        // Of a folder: found, opened, "..", the file, its deletion, the end, closed, removed twice.
+        // Of the top: opened, "..", the end, closed, removed.
+        EXPECT_EQ(calls.Calls().size(), static_cast<std::size_t>(9 * count + 5));
+    }
+}
+
+} // namespace

@@ -1,0 +1,144 @@
+// The one object through which the library's programs use the registry. It is pointed at a key by a
+// textual path, holds the key open, and reads, writes, walks, copies and deletes what is in it.
+//
+// Failure contract: operations that return bool give false on every failure, and that is all: no
+// error code is kept, nothing is thrown, nothing is shown. Outputs of a failed read are unchanged
+// unless an operation says otherwise. Only the exhaustion of memory in a table or a string ends the
+// process (see base/CTable1D.h).
+//
+// Paths: "ROOT" or "ROOT\rest", split at the first backslash. ROOT is a real root such as
+// HKEY_LOCAL_MACHINE or one of the symbolic roots of registry/SymbolicRoots.h, in any case.
+// Trailing backslashes are dropped when the key is opened.
+//
+// Registry data is not trusted: strings may be unterminated, odd-sized or empty. Nothing beyond the
+// bytes that came back is read.
+//
+// A key object belongs to one thread and closes what it holds when it is destroyed.
+#pragma once
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "base/CKORString.h"
+#include "base/CTable1D.h"
+#include "registry/RegValueType.h"
+#include "registry/SymbolicRoots.h"
+
+class CRegistryKey {
+public:
+    CRegistryKey();
+    // Whether the key was opened is learned with IsOpen.
+    explicit CRegistryKey(const CKORString& path, bool create = false);
+    CRegistryKey(const CRegistryKey&) = delete;
+    CRegistryKey& operator=(const CRegistryKey&) = delete;
+    // Flushes the key when something in it was created or changed.
+    virtual ~CRegistryKey();
+
+    // The layout in which key objects that are constructed from now on resolve symbolic roots.
+    static void SetRtxMode(bool rtxMode);
+    static bool RtxMode();
+
+    // --- Opening. The key is opened for reading, a created one too: each write reopens it. ---
+    // A failed opening leaves the object closed and reset. Whatever it had open is closed first.
+
+    bool Open(const CKORString& path, bool create);
+    bool OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bool create);
+    bool OpenLocalMachineRuntime(const CKORString& subPath, bool create);
+    bool OpenCurrentUserRuntime(const CKORString& subPath, bool create);
+
+    // Opens the key to which the object was resolved. With keepOnFailure, a failure does not reset
+    // the object, and a handle that is held, which the caller has closed (see Close), is replaced;
+    // without it, false is returned and nothing changes when a handle is held.
+    bool OpenResolved(bool create, bool write, bool keepOnFailure);
+
+    // Closes the key and opens it again. When write access is refused, the key is opened for
+    // reading instead and the result is false.
+    bool ReopenForWrite(bool write);
+
+    // Moves to another key under the same root and opens it for reading. A leading backslash starts
+    // at the root; leading ".." components go up. Anything else is appended as it stands. After a
+    // failure the object stays where it was, closed; it can be moved on from there.
+    bool OpenRelative(const CKORString& path);
+
+    // With handleOnly, the object keeps the closed handle: reopen or reset it before any other use.
+    bool Close(bool handleOnly = false);
+    // False when nothing was open.
+    bool CloseIfOpen();
+    // Forgets the key without closing anything.
+    void Reset();
+    bool IsOpen() const { return m_handle != nullptr; }
+    bool Flush();
+    // Flushes, and forgets that the key was created or changed.
+    bool FlushCreated();
+
+    // The real root's name and the subkey; empty when the object is reset.
+    CKORString GetFullName() const;
+
+    // --- Values. A read fails when the value has another type or size than the operation says. ---
+
+    bool ValueExists(const CKORString& name) const;
+    // Reads the value into the object's own buffer.
+    bool QueryValue(const CKORString& name, RegValueType requestedType);
+    bool ReadDword(const CKORString& name, std::uint32_t& value);
+    bool ReadDword(const CKORString& name, std::int32_t& value);
+    bool ReadDwordAsInt64(const CKORString& name, std::int64_t& value);
+    bool ReadDwordAsUInt64(const CKORString& name, std::uint64_t& value);
+    bool ReadQword(const CKORString& name, std::uint64_t& value);
+    bool ReadQword(const CKORString& name, std::int64_t& value);
+    // Strings end at their first null. Expandable strings are not expanded. The items "a" and "b"
+    // of a multi-string are read as "<a> <b>".
+    bool ReadString(const CKORString& name, CKORString& value);
+    // size is the buffer's in bytes, and afterwards that of the value last read, also when the
+    // buffer was too small. Without an open key it is not touched.
+    bool ReadBinary(const CKORString& name, void* buffer, std::uint64_t& size);
+
+    // type is Unknown after a value of a type that the layer does not know, which is a failure.
+    static bool GetValueType(HKEY handle, const CKORString& name, RegValueType& type);
+    // One read into the caller's buffer; size is in bytes. Writes a trace line to standard output
+    // when type is Binary on entry.
+    static bool QueryValueTraced(HKEY handle, const CKORString& name, RegValueType& type,
+                                 void* buffer, std::uint64_t& size, bool& hasMoreData);
+
+    // --- Lists, in the registry's own order. The list is emptied first. ---
+
+    std::uint32_t GetSubKeyCount() const;
+    std::uint32_t GetValueCount() const;
+    // False keeps the names that were found before the failure.
+    bool EnumSubKeyNames(CTable1D<CKORString>& names) const;
+    bool EnumValueNames(CTable1D<CKORString>& names) const;
+    bool SubKeyExists(const CKORString& name) const;
+
+private:
+    // Opens m_subKey below m_root; null on failure.
+    HKEY OpenAtSystem(bool create, bool write);
+    void TakePerUserRoot();
+    void GiveUpPerUserRoot();
+    // Moves to the subkey as OpenRelative does.
+    bool MoveTo(const CKORString& subKey);
+    void LeaveClosed();
+    bool PrepareVolatile(const CKORString& subPath, const wchar_t* rootName, SymbolicRootId id,
+                         bool create);
+    bool AllocateReadBuffer(DWORD capacity);
+    LSTATUS QueryIntoBuffer(const CKORString& name, DWORD& registryType, DWORD& size);
+    template <typename Number>
+    bool ReadNumber(const CKORString& name, RegValueType type, Number& value);
+    std::wstring_view BufferedCharacters() const;
+
+    bool m_rtxLayout;
+    HKEY m_root = nullptr;
+    HKEY m_handle = nullptr;
+    bool m_created = false; // or changed: the destructor flushes
+    CKORString m_subKey;
+    bool m_ownsRoot = false; // m_root was opened for the current user
+    REGSAM m_extraAccess = 0;
+    bool m_constructedWithPath = false;
+    bool m_isConstructing = false; // protects m_constructedWithPath from resets
+    std::int32_t VolatileClass = 0;
+    std::unique_ptr<std::byte[]> m_readBuffer;
+    std::uint64_t m_readBufferCapacity = 0;
+    std::uint64_t m_lastDataSize = 0;
+};

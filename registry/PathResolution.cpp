@@ -1,0 +1,89 @@
+// How the path that a key object is given becomes a root handle and a subkey.
+#include <cwchar>
+
+#include "registry/CRegistryKey.h"
+#include "registry/StringUtilities.h"
+#include "registry/VolatileClassification.h"
+
+namespace {
+
+struct SplitPath {
+    CKORString rootName;
+    CKORString rest;
+};
+
+SplitPath SplitAtFirstBackslash(const CKORString& path) {
+    const wchar_t* const separator = std::wcschr(path.Text(), L'\\');
+    if (separator == nullptr) {
+        return {path, CKORString()};
+    }
+    return {path.Left(separator - path.Text()), CKORString(separator + 1)};
+}
+
+} // namespace
+
+bool CRegistryKey::Open(const CKORString& path, bool create) {
+    const SplitPath split = SplitAtFirstBackslash(path);
+    const wchar_t* const rootName = split.rootName.Text();
+    if (const SymbolicRoot* const root = FindSymbolicRoot(rootName)) {
+        return OpenSymbolic(root->id, split.rest, create);
+    }
+
+    CloseIfOpen();
+    Reset();
+    const RealRoot* const root = FindRealRoot(rootName);
+    if (!PrepareVolatile(split.rest, rootName, SymbolicRootId::None, create) || root == nullptr) {
+        Reset();
+        return false;
+    }
+    m_root = HandleOf(root->hive);
+    m_subKey = split.rest;
+    return OpenResolved(create, false, false);
+}
+
+bool CRegistryKey::OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bool create) {
+    CloseIfOpen();
+    Reset();
+    if (!PrepareVolatile(subPath, L"", id, create)) {
+        Reset();
+        return false;
+    }
+    // Without a root the opening below fails.
+    if (const SymbolicRoot* const root = FindSymbolicRoot(id)) {
+        const RootLocation& location = root->In(m_rtxLayout);
+        m_root = HandleOf(location.hive);
+        m_subKey = location.prefix;
+    }
+    m_subKey += subPath.Text();
+    return OpenResolved(create, false, false);
+}
+
+bool CRegistryKey::OpenLocalMachineRuntime(const CKORString& subPath, bool create) {
+    return OpenSymbolic(SymbolicRootId::LocalMachineRuntime, subPath, create);
+}
+
+bool CRegistryKey::OpenCurrentUserRuntime(const CKORString& subPath, bool create) {
+    return OpenSymbolic(SymbolicRootId::CurrentUserRuntime, subPath, create);
+}
+
+// Sets VolatileClass; false when the path may not be opened.
+bool CRegistryKey::PrepareVolatile(const CKORString& subPath, const wchar_t* rootName,
+                                   SymbolicRootId id, bool create) {
+    const VolatileKind kind = ClassifyVolatile(subPath, rootName, id, create, m_rtxLayout);
+    if (kind == VolatileKind::Volatile) {
+        VolatileClass = VolatileClassOf(id);
+    }
+    return kind != VolatileKind::Refused;
+}
+
+CKORString CRegistryKey::GetFullName() const {
+    const RealRoot* const root = FindRealRoot(m_ownsRoot ? HKEY_CURRENT_USER : m_root);
+    CKORString name(root != nullptr ? root->name : L"");
+    if (m_subKey.Length() > 0) {
+        if (name.Length() > 0) {
+            name += L"\\";
+        }
+        name += m_subKey.Text();
+    }
+    return name;
+}

@@ -1,0 +1,116 @@
+#include "registry/SymbolicRoots.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "registry/StringUtilities.h"
+
+namespace {
+
+using Id = SymbolicRootId;
+
+// The maker's keys; KorRtx and KorRtxUser hold the real-time extension's copies of the two halves.
+#define KOR_KEY L"Software\\Vantrel\\"
+#define KOR_LIBRARY L"Vantrel Imaging Library\\"
+#define KOR_RTX KOR_KEY KOR_LIBRARY L"RTX\\"
+#define KOR_RTX_USER KOR_KEY KOR_LIBRARY L"RTXUser\\"
+#define KOR_KEY_32 L"Software\\Wow6432Node\\Vantrel\\"
+
+// Intended: the real-time layout keeps the current user's roots under the local machine; root 6 has
+// no name, no volatile class, and its "volatile" key lies in root 5; root 7 names the 32-bit view
+// by its literal path and shares class 3; root 8 has class 7.
+constexpr SymbolicRoot SymbolicRoots[] = {
+    {Id::LocalMachineRuntime,
+     L"M_KOR_HKEY_LOCAL_MACHINE_RUNTIME",
+     {Hive::LocalMachine, KOR_KEY KOR_LIBRARY L"Runtime\\"},
+     {Hive::LocalMachine, KOR_RTX KOR_LIBRARY L"Runtime\\"},
+     1,
+     Id::LocalMachineRuntime},
+    {Id::CurrentUserRuntime,
+     L"M_KOR_HKEY_CURRENT_USER_RUNTIME",
+     {Hive::CurrentUser, KOR_KEY KOR_LIBRARY L"Runtime\\"},
+     {Hive::LocalMachine, KOR_RTX_USER KOR_LIBRARY L"Runtime\\"},
+     2,
+     Id::CurrentUserRuntime},
+    {Id::LocalMachineDevelopment,
+     L"M_KOR_HKEY_LOCAL_MACHINE_DEVELOPMENT",
+     {Hive::LocalMachine, KOR_KEY KOR_LIBRARY L"Development\\"},
+     {Hive::LocalMachine, KOR_RTX KOR_LIBRARY L"Development\\"},
+     3,
+     Id::LocalMachineDevelopment},
+    {Id::CurrentUserDevelopment,
+     L"M_KOR_HKEY_CURRENT_USER_DEVELOPMENT",
+     {Hive::CurrentUser, KOR_KEY KOR_LIBRARY L"Development\\"},
+     {Hive::LocalMachine, KOR_RTX_USER KOR_LIBRARY L"Development\\"},
+     4,
+     Id::CurrentUserDevelopment},
+    {Id::LocalMachineImagingBoard,
+     L"M_KOR_HKEY_LOCAL_MACHINE_IMAGING_BOARD",
+     {Hive::LocalMachine, KOR_KEY L"Imaging Board\\"},
+     {Hive::LocalMachine, KOR_RTX L"Imaging Board\\"},
+     5,
+     Id::LocalMachineImagingBoard},
+    {Id::CurrentUserImagingBoard,
+     nullptr,
+     {Hive::CurrentUser, KOR_KEY L"Imaging Board\\"},
+     {Hive::LocalMachine, KOR_RTX_USER L"Imaging Board\\"},
+     0,
+     Id::LocalMachineImagingBoard},
+    {Id::CommonToolsFolder,
+     L"M_KOR_HKEY_COMMON_TOOLS_FOLDER",
+     {Hive::LocalMachine, KOR_KEY_32 L"Vantrel Imaging Tools\\"},
+     {Hive::LocalMachine, KOR_KEY_32 KOR_LIBRARY L"RTX\\Vantrel Imaging Tools\\"},
+     3,
+     Id::CommonToolsFolder},
+    {Id::LocalMachineRoot,
+     L"M_KOR_HKEY_LOCAL_MACHINE_ROOT",
+     {Hive::LocalMachine, KOR_KEY KOR_LIBRARY},
+     {Hive::LocalMachine, KOR_RTX KOR_LIBRARY},
+     7,
+     Id::LocalMachineRoot},
+};
+
+constexpr RealRoot RealRoots[] = {
+    {L"HKEY_CLASSES_ROOT", Hive::ClassesRoot},         {L"HKEY_CURRENT_USER", Hive::CurrentUser},
+    {L"HKEY_LOCAL_MACHINE", Hive::LocalMachine},       {L"HKEY_USERS", Hive::Users},
+    {L"HKEY_CURRENT_CONFIG", Hive::CurrentConfig},     {L"HKEY_DYN_DATA", Hive::DynData},
+    {L"HKEY_PERFORMANCE_DATA", Hive::PerformanceData},
+};
+
+template <typename Row, std::size_t Size, typename Test>
+const Row* FindRow(const Row (&rows)[Size], Test test) {
+    const Row* const found = std::find_if(std::begin(rows), std::end(rows), test);
+    return found != std::end(rows) ? found : nullptr;
+}
+
+} // namespace
+
+HKEY HandleOf(Hive hive) {
+    // The system's own definitions extend the sign of the 32-bit number.
+    return reinterpret_cast<HKEY>(
+        static_cast<LONG_PTR>(static_cast<std::int32_t>(static_cast<std::uint32_t>(hive))));
+}
+
+const SymbolicRoot* FindSymbolicRoot(SymbolicRootId id) {
+    return FindRow(SymbolicRoots, [id](const SymbolicRoot& root) { return root.id == id; });
+}
+
+const SymbolicRoot* FindSymbolicRoot(const wchar_t* name) {
+    return FindRow(SymbolicRoots, [name](const SymbolicRoot& root) {
+        return root.name != nullptr && EqualIgnoringCase(root.name, name);
+    });
+}
+
+const RealRoot* FindRealRoot(const wchar_t* name) {
+    return FindRow(RealRoots,
+                   [name](const RealRoot& root) { return EqualIgnoringCase(root.name, name); });
+}
+
+const RealRoot* FindRealRoot(HKEY root) {
+    return FindRow(RealRoots, [root](const RealRoot& row) { return HandleOf(row.hive) == root; });
+}
+
+std::int32_t VolatileClassOf(SymbolicRootId id) {
+    const SymbolicRoot* const root = FindSymbolicRoot(id);
+    return root != nullptr ? root->volatileClass : 0;
+}

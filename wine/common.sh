@@ -39,6 +39,8 @@ kor_copy_prefix() {
     rm -rf "$1"
     mkdir -p "$(dirname "$1")"
     cp -as "$kor_template" "$1" || return 1
-    rm -f "$1"/*.reg "$1/.update-timestamp" "$1/.ready"
+    rm -rf "$1"/*.reg "$1/.update-timestamp" "$1/.ready" "$1/dosdevices"
+    # The drives are links already; links to them would lead into the template.
+    cp -a "$kor_template/dosdevices" "$1/"
     cp "$kor_template"/*.reg "$kor_template/.update-timestamp" "$1/"
 }

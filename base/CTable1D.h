@@ -152,3 +152,14 @@ private:
         other.GrowBy = other.InitialGrowBy;
     }
 };
+
+// Takes the last pointer out of the table and deletes what it points to, until none is left: for
+// the owners of what a table's pointers point to.
+template <typename T>
+void DeleteAll(CTable1D<T*>& table) {
+    while (table.Count() != 0) {
+        const T* const last = table[table.Count() - 1];
+        table.RemoveLast();
+        delete last;
+    }
+}

@@ -54,7 +54,7 @@ TEST(GuardedMemoryDeathTest, EndsTheProcessOnAnOverrunByOneCharacter) {
             block[5] = L'x';
             delete[] block;
         },
-        testing::ExitedWithCode(5), "");
+        testing::ExitedWithCode(static_cast<int>(EXCEPTION_ACCESS_VIOLATION)), "");
 }
 #endif
 

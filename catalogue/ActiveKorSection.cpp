@@ -1,0 +1,38 @@
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include "catalogue/ItemTable.h"
+#include "catalogue/SectionBuilders.h"
+
+namespace {
+
+bool HasActiveKorExamples(const Installation& installation, const CKORString& /*target*/) {
+    return IsExistingDirectory(installation.ActiveKorExamplesRoot.Text());
+}
+
+using I = Installation;
+
+constexpr ItemRow<I> Items[] = {
+    // Named without the maker and written with a forward slash, unlike in Quick Start: intended,
+    // as is the blank before the argument.
+    {L"Sample Gallery", &I::InstallDir, L"Tools/SampleGallery.exe", ItemProgram, L" /ActiveKOR",
+     HasActiveKorExamples},
+    // Opened by its association, not in the help viewer.
+    {L"ActiveKOR Help file", &I::InstallDir, L"ActiveKOR/Help/ActiveKORHelp.chm", ItemDocument},
+    {L"ActiveKOR directory", &I::InstallDir, L"ActiveKOR", ItemFolder},
+    {L"ActiveKOR examples directory", &I::ActiveKorExamplesRoot, L"", ItemFolder},
+    {L"Debugging session demo", &I::InstallDir, L"ActiveKOR/Demos/AKORDebug.exe", ItemProgram},
+    {L"Processing session demo", &I::InstallDir, L"ActiveKOR/Demos/AKORGMFProject.exe",
+     ItemProgram},
+    {L"Read me file", &I::InstallDir, L"ActiveKOR/ReadMe.html", ItemDocument},
+};
+
+} // namespace
+
+void BuildActiveKorSection(SectionTable& sections, const Installation& installation) {
+    const CKORString control = installation.InstallDir + L"ActiveKOR/Controls/kor.ocx";
+    if (PathFileExistsW(control.Text()) != FALSE) {
+        AddItems(AddSection(sections, L"ACTIVEKOR", L"ActiveKOR"), Items, installation);
+    }
+}

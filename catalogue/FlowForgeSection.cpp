@@ -1,0 +1,28 @@
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include "catalogue/ItemTable.h"
+#include "catalogue/SectionBuilders.h"
+
+namespace {
+
+using I = Installation;
+
+constexpr ItemRow<I> Items[] = {
+    {L"Vantrel Flow Forge", &I::FlowForgeInstallDir, L"FlowForge.exe", ItemProgram},
+    {L"Vantrel Flow Forge Help file", &I::FlowForgeInstallDir,
+     L"Documentation/FlowForgeUserGuide.chm", ItemDocument},
+    {L"Vantrel Orvex 40 Installation and Technical Reference", &I::FlowForgeInstallDir,
+     L"/Documentation/Orvex40_FF_TechRef.pdf", ItemDocument},
+    {L"List of tutorials", &I::FlowForgeInstallDir, L"/StartPage/Tutorials.html", ItemDocument},
+};
+
+} // namespace
+
+void BuildFlowForgeSection(SectionTable& sections, const Installation& installation) {
+    const CKORString program = installation.FlowForgeInstallDir + L"FlowForge.exe";
+    if (PathFileExistsW(program.Text()) != FALSE) {
+        AddItems(AddSection(sections, L"FLOWFORGE", L"Flow Forge"), Items, installation);
+    }
+}

@@ -1,0 +1,168 @@
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <cstdlib>
+#include <cwchar>
+
+#include "catalogue/ItemTable.h"
+#include "catalogue/SectionBuilders.h"
+#include "registry/CRegistryKey.h"
+
+namespace {
+
+constexpr wchar_t VersionsKey[] =
+    L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Installed Versions";
+constexpr wchar_t VersionsKey32Bit[] =
+    L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions";
+constexpr wchar_t ActiveRuntimeKey[] =
+    L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime";
+constexpr wchar_t InstallationPathValue[] = L"InstallationPath";
+constexpr wchar_t ExamplesPathValue[] = L"ExamplesPath";
+
+// What the targets of one version's section begin with.
+struct Version {
+    CKORString Name;
+    CKORString InstallFolder;
+    CKORString ExamplesFolder;
+    CKORString RuntimeManagerPath;
+};
+
+bool IsVersion21(const Version& version, const CKORString& /*target*/) {
+    return _wcsicmp(version.Name.Text(), L"2.1") == 0;
+}
+
+bool IsNotVersion21(const Version& version, const CKORString& target) {
+    return !IsVersion21(version, target);
+}
+
+using V = Version;
+
+constexpr ItemRow<V> ProductItems[] = {
+    {L"Vantrel Flow Forge", &V::InstallFolder, L"FlowForge.exe", ItemProgram},
+    {L"Velnora utility", &V::ExamplesFolder,
+     L"/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/Velnora.exe", ItemProgram},
+    // "Help file" goes with the user guide's file and "User Guide" with the help's: intended.
+    {L"Vantrel Flow Forge Help file", &V::InstallFolder, L"Documentation/FlowForgeUserGuide.chm",
+     ItemDocument, L"", IsVersion21},
+    {L"Vantrel Flow Forge User Guide", &V::InstallFolder, L"Documentation/FlowForgeHelp.chm",
+     ItemDocument, L"", IsNotVersion21},
+    {L"Flow Forge Documentation", &V::InstallFolder, L"/Documentation", ItemFolder},
+    {L"Flow Forge Tools", &V::InstallFolder, L"/Tools", ItemFolder},
+};
+
+// The newest version's manager, the same in every section.
+constexpr ItemRow<V> RuntimeManagerItem[] = {
+    {L"Flow Forge Runtime Manager", &V::RuntimeManagerPath, L"", ItemProgram},
+};
+
+bool Exists(const CKORString& path) {
+    return PathFileExistsW(path.Text()) != FALSE;
+}
+
+// Down into a listed subkey and back up. A subkey that cannot be opened is not noticed, and the way
+// up then leads one level higher: the rest of the pass finds nothing. Accepted.
+class VisitedSubKey {
+public:
+    VisitedSubKey(CRegistryKey& key, const CKORString& name) : m_key(key) {
+        m_key.OpenRelative(name);
+    }
+    VisitedSubKey(const VisitedSubKey&) = delete;
+    VisitedSubKey& operator=(const VisitedSubKey&) = delete;
+    ~VisitedSubKey() { m_key.OpenRelative(L".."); }
+
+private:
+    CRegistryKey& m_key;
+};
+
+// The runtime manager of the newest version that has one; empty when none has. Only names of two
+// pieces take part, and of equal versions the first one met is kept.
+CKORString FindRuntimeManager(CRegistryKey& key, const CTable1D<CKORString>& names) {
+    CKORString manager;
+    std::int64_t bestMajor = 0;
+    std::int64_t bestMinor = 0;
+    for (const CKORString& name : names) {
+        const CTable1D<CKORString> pieces = name.Split(L".");
+        if (pieces.Count() != 2) {
+            continue;
+        }
+        const std::int64_t major = _wtoi(pieces[0].Text());
+        const std::int64_t minor = _wtoi(pieces[1].Text());
+        const bool isNewer = major > bestMajor || (major == bestMajor && minor > bestMinor);
+        if (!isNewer) {
+            continue;
+        }
+        const VisitedSubKey visited(key, name);
+        if (!key.ValueExists(InstallationPathValue)) {
+            continue;
+        }
+        CKORString path;
+        key.ReadString(InstallationPathValue, path);
+        path += L"/Tools/FlowForgeRuntimeManager.exe";
+        if (Exists(path)) {
+            manager = path;
+            bestMajor = major;
+            bestMinor = minor;
+        }
+    }
+    return manager;
+}
+
+// Reads the version's folders; false when it has no install folder.
+bool ReadFolders(CRegistryKey& key, Version& version) {
+    if (!key.ValueExists(InstallationPathValue)) {
+        return false;
+    }
+    key.ReadString(InstallationPathValue, version.InstallFolder);
+    // Also behind one that is there already: intended.
+    version.InstallFolder += L"\\";
+    if (key.ValueExists(ExamplesPathValue)) {
+        key.ReadString(ExamplesPathValue, version.ExamplesFolder);
+        version.ExamplesFolder += L"\\";
+    } else {
+        version.ExamplesFolder = version.InstallFolder;
+    }
+    return true;
+}
+
+void AddVersionSection(SectionTable& sections, const Version& version, bool is32Bit) {
+    const CKORString program = version.InstallFolder + L"FlowForge.exe";
+    if (!Exists(program) && !Exists(version.InstallFolder + L"/Tools")) {
+        return;
+    }
+    // The key does not tell the views apart, so a click on a version that both list finds the
+    // 64-bit section: intended.
+    ControlCenterSection& section =
+        AddSection(sections, L"FLOWFORGE-" + version.Name,
+                   L"Flow Forge " + version.Name + (is32Bit ? L" (32-bit)" : L""));
+    if (Exists(program)) {
+        AddItems(section, ProductItems, version);
+    }
+    AddItems(section, RuntimeManagerItem, version);
+}
+
+} // namespace
+
+void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit) {
+    CRegistryKey key;
+    // A probe without a use: intended.
+    if (key.Open(ActiveRuntimeKey, false)) {
+        key.Close(false);
+    }
+    if (!key.Open(is32Bit ? VersionsKey32Bit : VersionsKey, false)) {
+        return;
+    }
+    CTable1D<CKORString> names;
+    key.EnumSubKeyNames(names);
+    const CKORString runtimeManager = FindRuntimeManager(key, names);
+    for (const CKORString& name : names) {
+        const VisitedSubKey visited(key, name);
+        Version version;
+        version.Name = name;
+        version.RuntimeManagerPath = runtimeManager;
+        if (ReadFolders(key, version)) {
+            AddVersionSection(sections, version, is32Bit);
+        }
+    }
+    key.CloseIfOpen();
+}

@@ -1,0 +1,22 @@
+#include "catalogue/ItemTable.h"
+#include "catalogue/SectionBuilders.h"
+
+namespace {
+
+using I = Installation;
+
+constexpr ItemRow<I> Items[] = {
+    {L"KOR", &I::InstallDir, L"KOR", ItemFolder},
+    {L"KOR examples", &I::KorExamplesRoot, L"", ItemFolder},
+    {L"KOR images", &I::InstallDir, L"Images", ItemFolder},
+    {L"KOR predefined Contexts", &I::InstallDir, L"contexts", ItemFolder},
+    // The forward slashes are intended.
+    {L"Corvane DTK directory", &I::KorExamplesRoot, L"/CorvaneDTK", ItemFolder},
+    {L"Sorbel DTK directory", &I::KorExamplesRoot, L"/SorbelDTK", ItemFolder},
+};
+
+} // namespace
+
+void BuildFoldersSection(SectionTable& sections, const Installation& installation) {
+    AddItems(AddSection(sections, L"FOLDERS", L"Folders"), Items, installation);
+}

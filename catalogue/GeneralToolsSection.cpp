@@ -1,0 +1,31 @@
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include "catalogue/ItemTable.h"
+#include "catalogue/SectionBuilders.h"
+
+namespace {
+
+bool IsFilledDirectory(const Installation& /*installation*/, const CKORString& target) {
+    return IsExistingDirectory(target.Text()) && PathIsDirectoryEmptyW(target.Text()) == FALSE;
+}
+
+using I = Installation;
+
+constexpr ItemRow<I> Items[] = {
+    {L"KORConfig", &I::InstallDir, L"Tools\\KorConfig.exe", ItemProgram},
+    {L"Vantrel Framewright", &I::InstallDir, L"Framewright\\Framewright.exe", ItemProgram},
+    // The other label is seen only when the target is a folder: intended.
+    {L"Vantrel TimeScope", &I::InstallDir, L"Tools\\TimeScope.exe", ItemProgram, L"", nullptr,
+     Join::PathPiece, L"KORTimeScope"},
+    {L"Vantrel Grab Studio", &I::InstallDir, L"Tools\\GrabStudio.exe", ItemProgram},
+    {L"Tutorials directory", &I::InstallDir, L"Tutorial videos", ItemFolder, L"", IsFilledDirectory,
+     Join::PathPiece},
+};
+
+} // namespace
+
+void BuildGeneralToolsSection(SectionTable& sections, const Installation& installation) {
+    AddItems(AddSection(sections, L"TOOLS", L"General Tools"), Items, installation);
+}

@@ -1,0 +1,29 @@
+#include "catalogue/ItemTable.h"
+#include "catalogue/SectionBuilders.h"
+
+namespace {
+
+bool HasExamples(const Installation& installation, const CKORString& /*target*/) {
+    return IsExistingDirectory(installation.KorExamplesRoot.Text());
+}
+
+using I = Installation;
+
+constexpr wchar_t HelpFile[] = L"KOR\\DOC\\help\\KORHelp.chm";
+// The help file's redirect page leads to what is new.
+constexpr wchar_t WhatsNewTopic[] =
+    L"::/redirect.xhtm#z_KOR_Readme_whatsnew_processing.chm::/whatsnew_processing.htm";
+
+constexpr ItemRow<I> Items[] = {
+    // The argument begins with a blank: intended.
+    {L"Vantrel Sample Gallery", &I::InstallDir, L"Tools\\SampleGallery.exe", ItemProgram, L" /KOR",
+     HasExamples},
+    {L"KOR Help", &I::InstallDir, HelpFile, ItemHelpTopic},
+    {L"KOR Release Notes", &I::InstallDir, HelpFile, ItemHelpTopic, WhatsNewTopic},
+};
+
+} // namespace
+
+void BuildQuickStartSection(SectionTable& sections, const Installation& installation) {
+    AddItems(AddSection(sections, L"KOR", L"Quick Start"), Items, installation);
+}

@@ -1,0 +1,19 @@
+// The builders of the page's sections, in the order in which the catalogue calls them. Each
+// appends the sections of one product or subject to the list that owns them, or none.
+#pragma once
+
+#include "base/CTable1D.h"
+#include "catalogue/ControlCenterSection.h"
+#include "catalogue/Installation.h"
+
+using SectionTable = CTable1D<ControlCenterSection*>;
+
+void BuildQuickStartSection(SectionTable& sections, const Installation& installation);
+void BuildFoldersSection(SectionTable& sections, const Installation& installation);
+void BuildGeneralToolsSection(SectionTable& sections, const Installation& installation);
+void BuildProcessingToolsSection(SectionTable& sections, const Installation& installation);
+// One section for each version installed in the 64-bit or the 32-bit registry view.
+void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit);
+void BuildActiveKorSection(SectionTable& sections, const Installation& installation);
+void BuildFlowForgeSection(SectionTable& sections, const Installation& installation);
+void BuildRtosSection(SectionTable& sections, const Installation& installation);

@@ -1,0 +1,68 @@
+#include "app/page/ControlCenterPage.h"
+
+#include <algorithm>
+
+#include "app/page/InstallationQueries.h"
+#include "app/page/PageMarkup.h"
+
+void ControlCenterPage::MeasureScreen() {
+    static_cast<PageSizes&>(*this) = ComputePageSizes(ReadScreenMetrics());
+}
+
+void ControlCenterPage::QueryInstallation() {
+    InstallDir = QueryInstallFolder();
+    ActiveKorExamplesRoot = QueryExamplesRoot(L"ActiveKor");
+    KorExamplesRoot = QueryExamplesRoot(L"KOR");
+    FlowForgeInstallDir = QueryFlowForgeInstallFolder();
+}
+
+void ControlCenterPage::BuildSections() {
+    DeleteAll(Sections);
+    Sections.Build(*this, IsDevelopmentInstallation());
+    RowCount = Sections.PlaceOnGrid(ColumnCount);
+}
+
+void ControlCenterPage::ComposePage() {
+    if (!IsValidInstallation()) {
+        PageHtml = CKORString::Format(SectionMarkup, L"KOR", NotInstalledMessage, L"");
+        return;
+    }
+    PageHtml = L"";
+    if (ColumnCount > 1) {
+        PageHtml += GridOpening;
+    }
+    CTable1D<std::int64_t> rowHeights;
+    for (std::int64_t row = 0; row < RowCount; ++row) {
+        PageHtml += RowOpening;
+        rowHeights.Add(0);
+        for (std::int64_t column = 0; column < ColumnCount; ++column) {
+            ComposeCell(row, column, rowHeights[row]);
+        }
+        WindowHeight += rowHeights[row];
+        PageHtml += RowClosing;
+    }
+    // Also when no opening was written: intended.
+    PageHtml += GridClosing;
+}
+
+void ControlCenterPage::ComposeCell(std::int64_t row, std::int64_t column,
+                                    std::int64_t& rowHeight) {
+    PageHtml += CKORString::Format(CellOpeningWidth, static_cast<int>(100 / ColumnCount));
+    PageHtml += CellOpeningRest;
+    ControlCenterSection* const section = FindSection(row, column);
+    if (section == nullptr) {
+        // A cell without a section stays open: intended.
+        return;
+    }
+    PageHtml += section->ComposeSectionHtml();
+    PageHtml += CellClosing;
+    rowHeight = std::max(rowHeight, SectionBaseHeight + ItemHeight * section->ShownItemCount);
+}
+
+ControlCenterSection* ControlCenterPage::FindSection(std::int64_t row, std::int64_t column) const {
+    const auto found =
+        std::find_if(Sections.begin(), Sections.end(), [&](const ControlCenterSection* section) {
+            return section->Row == row && (ColumnCount == 1 || section->Column == column);
+        });
+    return found != Sections.end() ? *found : nullptr;
+}

@@ -1,0 +1,275 @@
+// One section for each installed version and registry view.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <algorithm>
+
+#include "tests/catalogue/ExpectedItem.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/TestInstallation.h"
+
+namespace {
+
+using test::BuiltSections;
+using test::ExpectedItem;
+using test::ExpectSection;
+
+enum { Program = 0, Folder = 1, Document = 2 };
+
+const std::wstring Versions64 = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
+const std::wstring Versions32 = L"Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
+
+// What an installed version may have besides its registry key.
+enum Has : unsigned { Nothing = 0, Product = 1, Tools = 2, Manager = 4 };
+
+std::wstring FolderOf(const std::wstring& version) {
+    return L"C:\\KorTest\\" + version;
+}
+
+void Install(const test::TestInstallation& to, const std::wstring& version, unsigned has,
+             const std::wstring& view = Versions64) {
+    to.SetText(view + version, L"InstallationPath", FolderOf(version));
+    if ((has & Product) != 0) {
+        to.MakeFile(FolderOf(version) + L"\\FlowForge.exe");
+    }
+    if ((has & Tools) != 0) {
+        to.MakeFolder(FolderOf(version) + L"\\Tools");
+    }
+    if ((has & Manager) != 0) {
+        to.MakeFile(FolderOf(version) + L"\\Tools\\FlowForgeRuntimeManager.exe");
+    }
+}
+
+// The target of the runtime manager that the pass chose: the last item of its sections.
+std::wstring ChosenManager(bool is32Bit = false) {
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, is32Bit);
+    EXPECT_GT(sections.Count(), 0);
+    if (sections.Count() == 0) {
+        return L"(no section)";
+    }
+    const ControlCenterSection& section = *sections[0];
+    const ControlCenterItem& last = *section[section.Count() - 1];
+    EXPECT_STREQ(last.Label.Text(), L"Flow Forge Runtime Manager");
+    return last.Path.Text();
+}
+
+std::wstring ManagerOf(const std::wstring& version) {
+    return FolderOf(version) + L"/Tools/FlowForgeRuntimeManager.exe";
+}
+
+std::vector<std::wstring> TitlesOf(const SectionTable& sections) {
+    std::vector<std::wstring> titles;
+    for (const ControlCenterSection* const section : sections) {
+        titles.emplace_back(section->Title.Text());
+    }
+    std::sort(titles.begin(), titles.end());
+    return titles;
+}
+
+TEST(FlowForgeVersions, TwoVersionsShareTheNewestManager) {
+    const test::TestInstallation installed;
+    Install(installed, L"2.1", Product | Manager);
+    Install(installed, L"3.0", Product | Manager);
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    ASSERT_EQ(sections.Count(), 2);
+    ExpectSection(
+        *sections[0], L"FLOWFORGE-2.1", L"Flow Forge 2.1",
+        {{L"Vantrel Flow Forge", L"C:\\KorTest\\2.1\\FlowForge.exe", Program, L"",
+          L"FLOWFORGE-2.1_0"},
+         {L"Velnora utility",
+          L"C:\\KorTest\\2.1\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/"
+          L"Velnora.exe",
+          Program, L"", L"FLOWFORGE-2.1_1"},
+         {L"Vantrel Flow Forge Help file",
+          L"C:\\KorTest\\2.1\\Documentation/FlowForgeUserGuide.chm", Document, L"",
+          L"FLOWFORGE-2.1_2"},
+         {L"Flow Forge Documentation", L"C:\\KorTest\\2.1\\/Documentation", Folder, L"",
+          L"FLOWFORGE-2.1_3"},
+         {L"Flow Forge Tools", L"C:\\KorTest\\2.1\\/Tools", Folder, L"", L"FLOWFORGE-2.1_4"},
+         {L"Flow Forge Runtime Manager", L"C:\\KorTest\\3.0/Tools/FlowForgeRuntimeManager.exe",
+          Program, L"", L"FLOWFORGE-2.1_5"}});
+    ExpectSection(
+        *sections[1], L"FLOWFORGE-3.0", L"Flow Forge 3.0",
+        {{L"Vantrel Flow Forge", L"C:\\KorTest\\3.0\\FlowForge.exe", Program, L"",
+          L"FLOWFORGE-3.0_0"},
+         {L"Velnora utility",
+          L"C:\\KorTest\\3.0\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/"
+          L"Velnora.exe",
+          Program, L"", L"FLOWFORGE-3.0_1"},
+         {L"Vantrel Flow Forge User Guide", L"C:\\KorTest\\3.0\\Documentation/FlowForgeHelp.chm",
+          Document, L"", L"FLOWFORGE-3.0_2"},
+         {L"Flow Forge Documentation", L"C:\\KorTest\\3.0\\/Documentation", Folder, L"",
+          L"FLOWFORGE-3.0_3"},
+         {L"Flow Forge Tools", L"C:\\KorTest\\3.0\\/Tools", Folder, L"", L"FLOWFORGE-3.0_4"},
+         {L"Flow Forge Runtime Manager", L"C:\\KorTest\\3.0/Tools/FlowForgeRuntimeManager.exe",
+          Program, L"", L"FLOWFORGE-3.0_5"}});
+}
+
+TEST(FlowForgeVersions, TheExamplesFolderIsTheVersionsOwnWhenItHasOne) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.1", Product);
+    installed.SetText(Versions64 + L"3.1", L"ExamplesPath", L"C:\\KorTest\\Examples\\");
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    ASSERT_EQ(sections.Count(), 1);
+    EXPECT_STREQ((*sections[0])[1]->Path.Text(),
+                 L"C:\\KorTest\\Examples\\\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/"
+                 L"Release/Velnora.exe")
+        << "a backslash is added also behind one";
+}
+
+TEST(FlowForgeVersions, ToolsAloneGiveASectionWithTheManagerOnly) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.1", Tools);
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    ASSERT_EQ(sections.Count(), 1);
+    ExpectSection(*sections[0], L"FLOWFORGE-3.1", L"Flow Forge 3.1",
+                  {{L"Flow Forge Runtime Manager", L"", Program, L"", L"FLOWFORGE-3.1_0"}});
+}
+
+TEST(FlowForgeVersions, AVersionWithoutFolderOrFilesHasNoSection) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.1", Nothing);
+    installed.MakeKey(Versions64 + L"3.2");
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    EXPECT_EQ(sections.Count(), 0);
+}
+
+struct NewestCase {
+    const char* what;
+    std::vector<std::pair<const wchar_t*, unsigned>> versions;
+    const wchar_t* chosen; // empty: none
+};
+
+TEST(FlowForgeVersions, TheNewestVersionWithAManagerProvidesIt) {
+    const NewestCase cases[] = {
+        {"major decides", {{L"2.9", Product | Manager}, {L"10.0", Product | Manager}}, L"10.0"},
+        {"then minor", {{L"3.2", Product | Manager}, {L"3.10", Product | Manager}}, L"3.10"},
+        {"a newer one without a manager", {{L"3.0", Product | Manager}, {L"3.1", Product}}, L"3.0"},
+        {"one piece is passed over",
+         {{L"3", Product | Manager}, {L"2.0", Product | Manager}},
+         L"2.0"},
+        {"three pieces are passed over",
+         {{L"3.1.2", Product | Manager}, {L"2.0", Product | Manager}},
+         L"2.0"},
+        {"no version of two pieces",
+         {{L"3", Product | Manager}, {L"3.1.2", Product | Manager}},
+         L""},
+        {"0.0 is not newer than nothing", {{L"0.0", Product | Manager}}, L""},
+        {"no digits count as 0", {{L"a.b", Product | Manager}}, L""},
+        {"leading digits count",
+         {{L"4x.1y", Product | Manager}, {L"3.9", Product | Manager}},
+         L"4x.1y"},
+    };
+    for (const NewestCase& c : cases) {
+        SCOPED_TRACE(c.what);
+        const test::TestInstallation installed;
+        for (const auto& [version, has] : c.versions) {
+            Install(installed, version, has);
+        }
+        EXPECT_EQ(ChosenManager(), *c.chosen == L'\0' ? L"" : ManagerOf(c.chosen));
+    }
+}
+
+TEST(FlowForgeVersions, OfEqualVersionsTheFirstListedIsKept) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.1", Product | Manager);
+    Install(installed, L"3.01", Product | Manager);
+    wchar_t first[16] = {};
+    DWORD length = 16;
+    HKEY key = nullptr;
+    ASSERT_EQ(
+        RegOpenKeyExW(HKEY_LOCAL_MACHINE, (L"Software\\" + Versions64).c_str(), 0, KEY_READ, &key),
+        ERROR_SUCCESS);
+    EXPECT_EQ(RegEnumKeyExW(key, 0, first, &length, nullptr, nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
+    RegCloseKey(key);
+    EXPECT_EQ(ChosenManager(), ManagerOf(first));
+}
+
+TEST(FlowForgeVersions, NamesOfAnyNumberOfPiecesGetASection) {
+    const test::TestInstallation installed;
+    for (const wchar_t* const version : {L"3", L"3.1.2", L"3.01", L"2.1"}) {
+        Install(installed, version, Product);
+    }
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    EXPECT_EQ(TitlesOf(sections),
+              (std::vector<std::wstring>{L"Flow Forge 2.1", L"Flow Forge 3", L"Flow Forge 3.01",
+                                         L"Flow Forge 3.1.2"}));
+}
+
+TEST(FlowForgeVersions, TheViewsHaveNothingInCommon) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.0", Product | Manager);
+    Install(installed, L"2.0", Product | Manager, Versions32);
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, true);
+    ASSERT_EQ(sections.Count(), 1);
+    EXPECT_STREQ(sections[0]->Title.Text(), L"Flow Forge 2.0 (32-bit)");
+    EXPECT_STREQ(sections[0]->Key.Text(), L"FLOWFORGE-2.0");
+    EXPECT_EQ(ChosenManager(true), ManagerOf(L"2.0"));
+    EXPECT_EQ(ChosenManager(false), ManagerOf(L"3.0"));
+}
+
+TEST(FlowForgeVersions, WithoutVersionsIn32BitsThereIsNoSection) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.0", Product | Manager);
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, true);
+    EXPECT_EQ(sections.Count(), 0);
+}
+
+TEST(FlowForgeVersions, AVersionInBothViewsSharesKeyAndIds) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.0", Product);
+    Install(installed, L"3.0", Product, Versions32);
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    BuildFlowForgeVersionsSection(sections, true);
+    ASSERT_EQ(sections.Count(), 2);
+    EXPECT_STREQ(sections[0]->Key.Text(), sections[1]->Key.Text());
+    EXPECT_STREQ((*sections[0])[0]->Id.Text(), (*sections[1])[0]->Id.Text());
+    EXPECT_STREQ(sections[1]->Title.Text(), L"Flow Forge 3.0 (32-bit)");
+}
+
+TEST(FlowForgeVersions, AValueThatIsNoTextCountsAsAnEmptyFolder) {
+    const test::TestInstallation installed;
+    const DWORD number = 5;
+    installed.SetBytes(Versions64 + L"3.0", L"InstallationPath", REG_DWORD, &number, 4);
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    EXPECT_EQ(sections.Count(), 0);
+}
+
+// A listed subkey that cannot be opened: the walk loses its place, and nothing that comes after it
+// in the same pass is found.
+TEST(FlowForgeVersions, AfterASubKeyThatCannotBeOpenedTheRestOfThePassIsEmpty) {
+    const test::TestInstallation installed;
+    for (const wchar_t* const version : {L"1.0", L"2.0", L"3.0"}) {
+        Install(installed, version, Product | Manager);
+    }
+    BuiltSections sections;
+    {
+        HOOK_IMPORT(open, RegOpenKeyExW,
+                    [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
+                        const std::wstring name = subKey;
+                        const bool isSecond =
+                            name.size() > 3 && name.compare(name.size() - 3, 3, L"2.0") == 0;
+                        return isSecond ? LSTATUS{ERROR_ACCESS_DENIED}
+                                        : open.Original(root, subKey, options, access, result);
+                    });
+        BuildFlowForgeVersionsSection(sections, false);
+    }
+    ASSERT_EQ(sections.Count(), 1);
+    EXPECT_STREQ(sections[0]->Key.Text(), L"FLOWFORGE-1.0");
+    EXPECT_STREQ((*sections[0])[5]->Path.Text(), ManagerOf(L"1.0").c_str());
+    BuildFlowForgeVersionsSection(sections, false);
+    EXPECT_EQ(sections.Count(), 4) << "the next pass starts anew";
+}
+
+} // namespace

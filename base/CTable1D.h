@@ -125,7 +125,9 @@ private:
 
     static T* Allocate(std::int64_t n) {
         const auto elements = static_cast<std::size_t>(n);
-        const std::size_t bytes = elements > SIZE_MAX / sizeof(T) ? SIZE_MAX : elements * sizeof(T);
+        const std::size_t size =
+            sizeof(T); // NOLINT(bugprone-sizeof-expression): T may be a pointer
+        const std::size_t bytes = elements > SIZE_MAX / size ? SIZE_MAX : elements * size;
         void* const storage = ::operator new(bytes, std::nothrow);
         if (storage == nullptr) {
             ReportFatalError(L"Not enough heap memory to process.", L"Fatal memory error.", 0);

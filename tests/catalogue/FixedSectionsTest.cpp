@@ -9,7 +9,6 @@
 namespace {
 
 using test::BuiltSections;
-using test::ExpectedItem;
 using test::ExpectSection;
 
 enum { Program = 0, Folder = 1, Document = 2, HelpTopic = 4 };

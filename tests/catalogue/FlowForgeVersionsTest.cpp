@@ -11,7 +11,6 @@
 namespace {
 
 using test::BuiltSections;
-using test::ExpectedItem;
 using test::ExpectSection;
 
 enum { Program = 0, Folder = 1, Document = 2 };
@@ -247,29 +246,43 @@ TEST(FlowForgeVersions, AValueThatIsNoTextCountsAsAnEmptyFolder) {
 }
 
 // A listed subkey that cannot be opened: the walk loses its place, and nothing that comes after it
-// in the same pass is found.
-TEST(FlowForgeVersions, AfterASubKeyThatCannotBeOpenedTheRestOfThePassIsEmpty) {
+// is found any more.
+CTable1D<CKORString> KeysWhileRefused(const std::wstring& refused) {
+    HOOK_IMPORT(open, RegOpenKeyExW,
+                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
+                    const std::wstring name = subKey;
+                    const std::size_t at = name.rfind(L'\\');
+                    return at != std::wstring::npos && name.substr(at + 1) == refused
+                               ? LSTATUS{ERROR_ACCESS_DENIED}
+                               : open.Original(root, subKey, options, access, result);
+                });
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    CTable1D<CKORString> keys;
+    for (const ControlCenterSection* const section : sections) {
+        keys.Add(section->Key);
+    }
+    return keys;
+}
+
+TEST(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
     const test::TestInstallation installed;
     for (const wchar_t* const version : {L"1.0", L"2.0", L"3.0"}) {
         Install(installed, version, Product | Manager);
     }
-    BuiltSections sections;
-    {
-        HOOK_IMPORT(open, RegOpenKeyExW,
-                    [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                        const std::wstring name = subKey;
-                        const bool isSecond =
-                            name.size() > 3 && name.compare(name.size() - 3, 3, L"2.0") == 0;
-                        return isSecond ? LSTATUS{ERROR_ACCESS_DENIED}
-                                        : open.Original(root, subKey, options, access, result);
-                    });
-        BuildFlowForgeVersionsSection(sections, false);
+    EXPECT_EQ(KeysWhileRefused(L"2.0").Count(), 0)
+        << "the place is lost while the manager is chosen, before any section is made";
+    EXPECT_EQ(KeysWhileRefused(L"none").Count(), 3);
+}
+
+TEST(FlowForgeVersions, ARefusedSubKeyOfThreePiecesEndsTheSections) {
+    const test::TestInstallation installed;
+    for (const wchar_t* const version : {L"1.0", L"2.0.0", L"3.0"}) {
+        Install(installed, version, Product | Manager);
     }
-    ASSERT_EQ(sections.Count(), 1);
-    EXPECT_STREQ(sections[0]->Key.Text(), L"FLOWFORGE-1.0");
-    EXPECT_STREQ((*sections[0])[5]->Path.Text(), ManagerOf(L"1.0").c_str());
-    BuildFlowForgeVersionsSection(sections, false);
-    EXPECT_EQ(sections.Count(), 4) << "the next pass starts anew";
+    const CTable1D<CKORString> keys = KeysWhileRefused(L"2.0.0");
+    ASSERT_EQ(keys.Count(), 1);
+    EXPECT_STREQ(keys[0].Text(), L"FLOWFORGE-1.0");
 }
 
 } // namespace

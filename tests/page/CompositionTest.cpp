@@ -1,0 +1,210 @@
+// The page's markup and the heights that go with it.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <string>
+
+#include "app/page/ControlCenterPage.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/TestInstallation.h"
+
+namespace {
+
+constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
+
+// A valid installation with one file, C:\KorTest\x; items that name it are shown.
+class Composition : public testing::Test {
+protected:
+    Composition() {
+        m_installed.SetText(Library, L"KorVersion", L"1");
+        m_installed.MakeFile(L"C:\\KorTest\\x");
+    }
+
+    // A section with so many shown and missing items, at its place by the order of the calls.
+    ControlCenterSection& Add(const wchar_t* key, const wchar_t* title, int shown,
+                              int missing = 0) {
+        auto* const section = new ControlCenterSection(key, title);
+        m_page.Sections.Add(section);
+        for (int i = 0; i < shown + missing; ++i) {
+            AddItem(*section, i < shown ? L"C:\\KorTest\\x" : L"C:\\KorTest\\missing");
+        }
+        m_page.RowCount = m_page.Sections.PlaceOnGrid(m_page.ColumnCount);
+        return *section;
+    }
+
+    static void AddItem(ControlCenterSection& section, const wchar_t* path,
+                        const wchar_t* label = L"L", const wchar_t* prefix = L"",
+                        const wchar_t* suffix = L"") {
+        section.Add(new ControlCenterItem(&section, label, prefix, suffix, path, ItemProgram, L""));
+    }
+
+    std::wstring Compose() {
+        m_page.ComposePage();
+        return m_page.PageHtml.Text();
+    }
+
+    test::TestInstallation m_installed;
+    ControlCenterPage m_page;
+};
+
+constexpr wchar_t Cell[] = L"<td class =\"column\" width=\"50%\" valign=\"top\">";
+
+std::wstring Item(const wchar_t* id) {
+    return std::wstring(L"<li> <SPAN class=item id=") + id +
+           L" style=color:#0000FF;text-decoration:underline>L</SPAN> </li>";
+}
+
+TEST_F(Composition, TwoSectionsGiveOneRow) {
+    Add(L"A", L"Alpha", 1);
+    Add(L"B", L"Beta", 2, 1);
+    m_page.WindowHeight = 1000;
+    EXPECT_EQ(Compose(), std::wstring(L"<table class=\"innertable\" width=\"100%\">\n<tr>\n\n") +
+                             Cell + L"<div id=AlphaSection><h2>Alpha</h2><ul>" + Item(L"A_0") +
+                             L"</ul></div></td>" + Cell + L"<div id=BetaSection><h2>Beta</h2><ul>" +
+                             Item(L"B_0") + Item(L"B_1") + L"</ul></div></td></tr></table>");
+    EXPECT_EQ(m_page.WindowHeight, 1000 + 45 + 2 * 20) << "by the taller section";
+    EXPECT_EQ(m_page.Sections[0]->ShownItemCount, 1);
+    EXPECT_EQ(m_page.Sections[1]->ShownItemCount, 2);
+}
+
+TEST_F(Composition, TheSecondRowsSecondCellOfThreeSectionsStaysOpen) {
+    for (const wchar_t* const key : {L"A", L"B", L"C"}) {
+        Add(key, key, 1);
+    }
+    m_page.WindowHeight = 0;
+    const std::wstring html = Compose();
+    EXPECT_EQ(html.substr(html.rfind(L"</td>")), std::wstring(L"</td>") + Cell + L"</tr></table>");
+    EXPECT_EQ(m_page.WindowHeight, 2 * (45 + 20));
+}
+
+TEST_F(Composition, ASectionOfMissingTargetsIsAnEmptyCellThatStillCounts) {
+    Add(L"A", L"Alpha", 0, 3);
+    m_page.WindowHeight = 0;
+    EXPECT_EQ(Compose(), std::wstring(L"<table class=\"innertable\" width=\"100%\">\n<tr>\n\n") +
+                             Cell + L"</td>" + Cell + L"</tr></table>");
+    EXPECT_EQ(m_page.WindowHeight, 45);
+    EXPECT_EQ(m_page.Sections[0]->ShownItemCount, 0);
+}
+
+TEST_F(Composition, AnEmptyCatalogueHasOneRowOfOpenCells) {
+    m_page.RowCount = 1;
+    m_page.WindowHeight = 7;
+    EXPECT_EQ(Compose(), std::wstring(L"<table class=\"innertable\" width=\"100%\">\n<tr>\n\n") +
+                             Cell + Cell + L"</tr></table>");
+    EXPECT_EQ(m_page.WindowHeight, 7);
+}
+
+TEST_F(Composition, ASingleColumnHasNoGridOpeningButItsClosing) {
+    m_page.ColumnCount = 1;
+    Add(L"A", L"Alpha", 1);
+    Add(L"B", L"Beta", 1);
+    m_page.Sections[1]->Column = 5; // not compared
+    EXPECT_EQ(Compose(), L"<tr>\n\n<td class =\"column\" width=\"100%\" valign=\"top\">"
+                         L"<div id=AlphaSection><h2>Alpha</h2><ul>" +
+                             Item(L"A_0") +
+                             L"</ul></div></td></tr>"
+                             L"<tr>\n\n<td class =\"column\" width=\"100%\" valign=\"top\">"
+                             L"<div id=BetaSection><h2>Beta</h2><ul>" +
+                             Item(L"B_0") + L"</ul></div></td></tr></table>");
+}
+
+TEST_F(Composition, ThreeColumnsAreAThirdEach) {
+    m_page.ColumnCount = 3;
+    Add(L"A", L"Alpha", 1);
+    EXPECT_NE(Compose().find(L"width=\"33%\""), std::wstring::npos);
+}
+
+TEST_F(Composition, AnInvalidInstallationGivesTheMessageAlone) {
+    m_installed.DeleteValue(Library, L"KorVersion");
+    Add(L"A", L"Alpha", 2);
+    m_page.PageHtml = L"what was there before";
+    m_page.WindowHeight = 55;
+    EXPECT_EQ(Compose(), L"<div id=KORSection><h2>This KOR hasn't been installed by a valid "
+                         L"install</h2><ul></ul></div>");
+    EXPECT_EQ(m_page.WindowHeight, 55);
+}
+
+TEST_F(Composition, TextsAreInsertedAsTheyAre) {
+    auto* const section = new ControlCenterSection(L"K", L"<b>\"A & B\"");
+    m_page.Sections.Add(section);
+    AddItem(*section, L"C:\\KorTest\\x", L"a<i>b & \"c\"", L"<u>", L"%s</u>\x00e9");
+    EXPECT_STREQ(section->ComposeSectionHtml().Text(),
+                 L"<div id=<b>\"A & B\"Section><h2><b>\"A & B\"</h2><ul><li><u> <SPAN class=item "
+                 L"id=K_0 style=color:#0000FF;text-decoration:underline>a<i>b & \"c\"</SPAN> "
+                 L"%s</u>\x00e9</li></ul></div>");
+}
+
+TEST_F(Composition, TheSectionsIdKeepsTheTitlesBlanks) {
+    ControlCenterSection& section = Add(L"KOR", L"Quick Start", 1);
+    EXPECT_EQ(std::wstring(section.ComposeSectionHtml().Text())
+                  .rfind(L"<div id=Quick StartSection><h2>Quick Start</h2>", 0),
+              0U);
+}
+
+TEST_F(Composition, AListThatBecameEmptyKeepsTheFormerCount) {
+    ControlCenterSection& section = Add(L"A", L"Alpha", 2);
+    section.ComposeSectionHtml();
+    m_installed.DeleteFileOf(L"C:\\KorTest\\x");
+    EXPECT_STREQ(section.ComposeSectionHtml().Text(), L"");
+    EXPECT_EQ(section.ShownItemCount, 2);
+}
+
+TEST_F(Composition, EveryPathIsTestedOnceEachTime) {
+    Add(L"A", L"Alpha", 2, 1);
+    Add(L"B", L"Beta", 1);
+    int tests = 0;
+    HOOK_IMPORT(exists, PathFileExistsW, [&](LPCWSTR path) {
+        ++tests;
+        return exists.Original(path);
+    });
+    m_page.ComposePage();
+    m_page.ComposePage();
+    EXPECT_EQ(tests, 8);
+}
+
+TEST_F(Composition, TheFirstSectionOfAPlaceIsTaken) {
+    Add(L"A", L"Alpha", 1);
+    Add(L"B", L"Beta", 1).Column = 0;
+    EXPECT_EQ(Compose().find(L"Beta"), std::wstring::npos);
+}
+
+TEST(ControlCenterPage, BuildsFromScratchEachTime) {
+    const test::TestInstallation installed;
+    ControlCenterPage page;
+    page.BuildSections();
+    EXPECT_EQ(page.Sections.Count(), 2) << "the two tool sections";
+    EXPECT_EQ(page.RowCount, 1);
+    installed.SetText(Library, L"KORType", L"Development");
+    page.BuildSections();
+    EXPECT_EQ(page.Sections.Count(), 4);
+    EXPECT_EQ(page.RowCount, 2);
+    page.BuildSections();
+    EXPECT_EQ(page.Sections.Count(), 4) << "nothing is there twice";
+}
+
+TEST(ControlCenterPage, AsksForTheFourFolders) {
+    const test::TestInstallation installed;
+    constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
+    installed.SetText(Install, L"installdir", L"C:\\Lib\\");
+    installed.SetText(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
+    installed.SetText(std::wstring(Install) + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\AEx");
+    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Install", L"InstallationPath", L"C:\\FF");
+    ControlCenterPage page;
+    page.QueryInstallation();
+    EXPECT_STREQ(page.InstallDir.Text(), L"C:\\Lib\\");
+    EXPECT_STREQ(page.ActiveKorExamplesRoot.Text(), L"C:\\AEx");
+    EXPECT_STREQ(page.KorExamplesRoot.Text(), L"C:\\Ex");
+    EXPECT_STREQ(page.FlowForgeInstallDir.Text(), L"C:\\FF\\");
+}
+
+TEST(ControlCenterPage, StartsWithTwoColumnsAndOneRow) {
+    const ControlCenterPage page;
+    EXPECT_EQ(page.ColumnCount, 2);
+    EXPECT_EQ(page.RowCount, 1);
+    EXPECT_EQ(page.SectionBaseHeight, 45);
+    EXPECT_EQ(page.ItemHeight, 20);
+}
+
+} // namespace

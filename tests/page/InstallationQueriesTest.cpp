@@ -1,0 +1,171 @@
+#include "app/page/InstallationQueries.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/support/ImportHook.h"
+#include "tests/support/TestInstallation.h"
+
+namespace {
+
+constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
+constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
+constexpr wchar_t FlowForge[] = L"Vantrel\\Vantrel Flow Forge\\Install";
+
+const DWORD Number = 7;
+
+TEST(InstallFolder, IsTheValueAsStored) {
+    const test::TestInstallation installed;
+    EXPECT_STREQ(QueryInstallFolder().Text(), L"") << "no key";
+    installed.MakeKey(Install);
+    EXPECT_STREQ(QueryInstallFolder().Text(), L"") << "no value";
+    installed.SetText(Install, L"installdir", L"C:\\Lib");
+    EXPECT_STREQ(QueryInstallFolder().Text(), L"C:\\Lib");
+    installed.SetText(Install, L"installdir", L"C:\\Lib\\");
+    EXPECT_STREQ(QueryInstallFolder().Text(), L"C:\\Lib\\");
+    installed.SetText(Install, L"installdir", L"%ProgramFiles%\\Lib", REG_EXPAND_SZ);
+    EXPECT_STREQ(QueryInstallFolder().Text(), L"%ProgramFiles%\\Lib") << "not expanded";
+    installed.SetBytes(Install, L"installdir", REG_MULTI_SZ, L"a\0b\0", 10);
+    EXPECT_STREQ(QueryInstallFolder().Text(), L"<a> <b>");
+    installed.SetBytes(Install, L"installdir", REG_DWORD, &Number, 4);
+    EXPECT_STREQ(QueryInstallFolder().Text(), L"") << "no text";
+}
+
+TEST(FlowForgeInstallFolder, GetsOneBackslashWheneverTheValueExists) {
+    const test::TestInstallation installed;
+    EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"") << "no key";
+    installed.MakeKey(FlowForge);
+    EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"") << "no value";
+    installed.SetText(FlowForge, L"InstallationPath", L"C:\\Tools\\FF");
+    EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"C:\\Tools\\FF\\");
+    installed.SetText(FlowForge, L"InstallationPath", L"C:\\Tools\\FF\\");
+    EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"C:\\Tools\\FF\\\\");
+    installed.SetBytes(FlowForge, L"InstallationPath", REG_DWORD, &Number, 4);
+    EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"\\") << "no text";
+}
+
+TEST(ExamplesRoot, IsReadForEachProduct) {
+    const test::TestInstallation installed;
+    EXPECT_STREQ(QueryExamplesRoot(L"KOR").Text(), L"");
+    installed.SetText(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
+    installed.SetText(std::wstring(Install) + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\AEx\\");
+    EXPECT_STREQ(QueryExamplesRoot(L"KOR").Text(), L"C:\\Ex");
+    EXPECT_STREQ(QueryExamplesRoot(L"ActiveKor").Text(), L"C:\\AEx\\");
+    EXPECT_STREQ(QueryExamplesRoot(L"Other").Text(), L"");
+}
+
+TEST(DevelopmentInstallation, ComparesTheTypeWithoutRegardToCase) {
+    const test::TestInstallation installed;
+    EXPECT_FALSE(IsDevelopmentInstallation()) << "no key";
+    const std::pair<const wchar_t*, bool> cases[] = {
+        {L"Development", true},   {L"development", true}, {L"DEVELOPMENT", true},
+        {L"Development ", false}, {L"Runtime", false},    {L"", false},
+    };
+    for (const auto& [type, isDevelopment] : cases) {
+        installed.SetText(Library, L"KORType", type);
+        EXPECT_EQ(IsDevelopmentInstallation(), isDevelopment)
+            << testing::PrintToString(std::wstring(type));
+    }
+    installed.SetBytes(Library, L"KORType", REG_DWORD, &Number, 4);
+    EXPECT_FALSE(IsDevelopmentInstallation()) << "no text";
+}
+
+TEST(ValidInstallation, NeedsAVersionThatIsText) {
+    const test::TestInstallation installed;
+    EXPECT_FALSE(IsValidInstallation()) << "no key";
+    installed.MakeKey(Library);
+    EXPECT_FALSE(IsValidInstallation()) << "no value";
+    installed.SetText(Library, L"KorVersion", L"10.50");
+    EXPECT_TRUE(IsValidInstallation());
+    installed.SetText(Library, L"KorVersion", L"");
+    EXPECT_TRUE(IsValidInstallation()) << "an empty text is a text";
+    installed.SetBytes(Library, L"KorVersion", REG_MULTI_SZ, L"", 2);
+    EXPECT_TRUE(IsValidInstallation());
+    installed.SetBytes(Library, L"KorVersion", REG_DWORD, &Number, 4);
+    EXPECT_FALSE(IsValidInstallation());
+    installed.SetBytes(Library, L"KorVersion", REG_BINARY, &Number, 4);
+    EXPECT_FALSE(IsValidInstallation());
+}
+
+std::string Narrow(const wchar_t* text) {
+    const std::wstring wide = text != nullptr ? text : L"(null)";
+    return std::string(wide.begin(), wide.end());
+}
+
+// The system calls of one query, each with what tells it apart.
+std::vector<std::string> CallsOf(const std::function<void()>& query) {
+    std::vector<std::string> calls;
+    HOOK_IMPORT(open, RegOpenKeyExW,
+                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
+                    EXPECT_EQ(root, HKEY_LOCAL_MACHINE);
+                    EXPECT_EQ(options, 0U);
+                    EXPECT_EQ(access, static_cast<REGSAM>(KEY_READ));
+                    calls.push_back("open " + Narrow(subKey));
+                    return open.Original(root, subKey, options, access, result);
+                });
+    HOOK_IMPORT(create, RegCreateKeyExW,
+                [&](HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, LPSECURITY_ATTRIBUTES, PHKEY,
+                    LPDWORD) -> LSTATUS {
+                    calls.emplace_back("create");
+                    return ERROR_ACCESS_DENIED;
+                });
+    HOOK_IMPORT(
+        read, RegQueryValueExW,
+        [&](HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
+            std::string call = data != nullptr ? "read " : type != nullptr ? "type " : "probe ";
+            calls.push_back(call + Narrow(name));
+            return read.Original(key, name, reserved, type, data, size);
+        });
+    HOOK_IMPORT(close, RegCloseKey, [&](HKEY key) {
+        calls.emplace_back("close");
+        return close.Original(key);
+    });
+    query();
+    return calls;
+}
+
+// Probe, the read's own look at the type, the read's own probe, the data.
+std::vector<std::string> OneRead(const std::string& key, const std::string& value) {
+    return {"open " + key,    "probe " + value, "type " + value,
+            "probe " + value, "read " + value,  "close"};
+}
+
+TEST(InstallationQueries, MakeTheCallsOfOneReadEach) {
+    const test::TestInstallation installed;
+    installed.SetText(Install, L"installdir", L"C:\\Lib\\");
+    installed.SetText(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
+    installed.SetText(FlowForge, L"InstallationPath", L"C:\\FF");
+    installed.SetText(Library, L"KORType", L"Development");
+    installed.SetText(Library, L"KorVersion", L"1");
+
+    EXPECT_EQ(
+        CallsOf([] { QueryInstallFolder(); }),
+        OneRead("Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install", "installdir"));
+    EXPECT_EQ(CallsOf([] { QueryExamplesRoot(L"KOR"); }),
+              OneRead("Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install\\KOR",
+                      "ExamplesRootPath"));
+    EXPECT_EQ(CallsOf([] { QueryFlowForgeInstallFolder(); }),
+              OneRead("SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Install", "InstallationPath"));
+    EXPECT_EQ(CallsOf([] { IsDevelopmentInstallation(); }),
+              OneRead("SOFTWARE\\Vantrel\\Vantrel Imaging Library", "KORType"));
+    EXPECT_EQ(CallsOf([] { IsValidInstallation(); }),
+              OneRead("SOFTWARE\\Vantrel\\Vantrel Imaging Library", "KorVersion"));
+}
+
+TEST(InstallationQueries, StopAtAMissingValueOrKey) {
+    const test::TestInstallation installed;
+    EXPECT_EQ(CallsOf([] { QueryInstallFolder(); }),
+              (std::vector<std::string>{
+                  "open Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install"}));
+    installed.MakeKey(Install);
+    EXPECT_EQ(CallsOf([] { QueryInstallFolder(); }),
+              (std::vector<std::string>{
+                  "open Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install",
+                  "probe installdir", "close"}));
+}
+
+} // namespace

@@ -84,6 +84,9 @@ TEST(DeleteDirectory, FailsWhereThereIsNoDirectory) {
 }
 
 TEST(DeleteDirectory, ANullOrEmptyPathIsNotTheRootOfTheDrive) {
+    // No search gets through, so that a mistake here does not empty a real drive.
+    HOOK_IMPORT(search, FindFirstFileW,
+                [](LPCWSTR, LPWIN32_FIND_DATAW) -> HANDLE { return INVALID_HANDLE_VALUE; });
     const FileCalls calls;
     for (const wchar_t* const path : {static_cast<const wchar_t*>(nullptr), L""}) {
         SetLastError(ERROR_SUCCESS);

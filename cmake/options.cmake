@@ -26,7 +26,8 @@ elseif(KOR_COVERAGE)
 else()
     target_compile_options(kor_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:
         -O2 -fstack-protector-strong -D_FORTIFY_SOURCE=2>)
-    target_link_options(kor_options INTERFACE -s)
+    # Without it at the link too, the stack protector's own library is missing.
+    target_link_options(kor_options INTERFACE -s -fstack-protector-strong)
 endif()
 
 # A static library of the product: kor_library(NAME SOURCES... [LINK LIBS...])

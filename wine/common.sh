@@ -5,12 +5,47 @@ kor_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 kor_build=${KOR_BUILD:-$kor_root/build}
 kor_template=$kor_build/prefix-template
 
-# -all: the hint about the missing 32-bit part is of no use here.
-export WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES=mscoree=d
+# -all: the hint about the missing 32-bit part is of no use here. winemenubuilder would write into
+# the desktop's menus. A UTF-8 locale: file names beyond ASCII could not be reached without.
+export WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree=d;winemenubuilder.exe=d'
+export LC_ALL=C.UTF-8
 kor_wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
 kor_wineserver=$(command -v wineserver || echo /usr/lib/wine/wineserver)
 
-kor_say() { printf '%s\n' "$*" >&2; }
+kor_say() { printf '%s\n' "$@" >&2; }
+
+# kor_step TEXT COMMAND...: says what is done and how long it took; shows the end of what the
+# command printed when it failed.
+kor_step() {
+    local text=$1 log=$kor_build/step.log started=${EPOCHREALTIME/./} result=0
+    shift
+    mkdir -p "$kor_build"
+    printf '%s ... ' "$text" >&2
+    "$@" >"$log" 2>&1 || result=$?
+    local tenths=$(((${EPOCHREALTIME/./} - started) / 100000))
+    if [ "$result" -eq 0 ]; then
+        printf '%d.%d s\n' $((tenths / 10)) $((tenths % 10)) >&2
+    else
+        printf 'FAILED after %d.%d s\n' $((tenths / 10)) $((tenths % 10)) >&2
+        tail -n 40 "$log" >&2
+    fi
+    return "$result"
+}
+
+# kor_private_display WIDTHxHEIGHT: starts an X server of its own and sets DISPLAY; the caller ends
+# the process kor_display_pid.
+kor_private_display() {
+    local number=''
+    # The server tells its number through a pipe that it alone keeps open.
+    coproc KOR_XVFB { exec Xvfb -displayfd 1 -screen 0 "$1x24" -nolisten tcp 2>/dev/null; }
+    kor_display_pid=$!
+    read -r -t 20 number <&"${KOR_XVFB[0]}"
+    if [ -z "$number" ]; then
+        kor_say "No private display could be started (Xvfb)."
+        return 1
+    fi
+    export DISPLAY=:$number
+}
 
 # A prefix that others are copied from: made once, with a scratch home, so that its Desktop and
 # Documents are folders of its own instead of links to the real home.

@@ -1,0 +1,80 @@
+// Receives the events of a COM object, such as the browser control or its document.
+#include "mfc/EventSink.h"
+
+#include "mfc/afxdhtml.h"
+
+HRESULT EventSink::Connect(IUnknown* source) {
+    Disconnect();
+    CComPtr<IConnectionPointContainer> container;
+    HRESULT result = source->QueryInterface(IID_PPV_ARGS(&container));
+    if (FAILED(result)) {
+        return result;
+    }
+    CComPtr<IConnectionPoint> connection;
+    result = container->FindConnectionPoint(m_events, &connection);
+    if (SUCCEEDED(result)) {
+        result = connection->Advise(this, &m_cookie);
+    }
+    if (SUCCEEDED(result)) {
+        m_connection = connection;
+    }
+    return result;
+}
+
+void EventSink::Disconnect() {
+    if (m_connection != nullptr) {
+        m_connection->Unadvise(m_cookie);
+        m_connection.Release();
+    }
+}
+
+HRESULT STDMETHODCALLTYPE EventSink::QueryInterface(REFIID iid, void** object) {
+    if (iid != IID_IUnknown && iid != IID_IDispatch && iid != m_events) {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    *object = static_cast<IDispatch*>(this);
+    AddRef();
+    return S_OK;
+}
+
+ULONG STDMETHODCALLTYPE EventSink::AddRef() {
+    return ++m_references;
+}
+
+ULONG STDMETHODCALLTYPE EventSink::Release() {
+    const ULONG references = --m_references;
+    if (references == 0) {
+        delete this;
+    }
+    return references;
+}
+
+HRESULT STDMETHODCALLTYPE EventSink::GetTypeInfoCount(UINT* count) {
+    *count = 0;
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE EventSink::GetTypeInfo(UINT /*index*/, LCID /*locale*/,
+                                                 ITypeInfo** /*info*/) {
+    return E_NOTIMPL;
+}
+
+HRESULT STDMETHODCALLTYPE EventSink::GetIDsOfNames(REFIID /*iid*/, LPOLESTR* /*names*/,
+                                                   UINT /*count*/, LCID /*locale*/,
+                                                   DISPID* /*ids*/) {
+    return E_NOTIMPL;
+}
+
+HRESULT STDMETHODCALLTYPE EventSink::Invoke(DISPID event, REFIID /*iid*/, LCID /*locale*/,
+                                            WORD /*flags*/, DISPPARAMS* parameters,
+                                            VARIANT* /*result*/, EXCEPINFO* /*exception*/,
+                                            UINT* /*argumentError*/) {
+    if (parameters == nullptr) {
+        return E_POINTER;
+    }
+    return AnswerCom([&] {
+        (m_dialog.*m_handler)(event, *parameters);
+        return S_OK;
+    });
+}

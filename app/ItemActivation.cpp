@@ -1,0 +1,144 @@
+// What the dialog does when the mouse is on an item of the page.
+#include <windows.h>
+
+#include <comdef.h>
+#include <shellapi.h>
+#include <shlobj.h>
+
+#include <cwchar>
+
+#include "app/CkorcontrolcenterDlg.h"
+#include "app/page/PageMarkup.h"
+
+namespace {
+
+constexpr long HoverColor = 0xFF0000;
+constexpr long PlainColor = 0x0000FF;
+
+// As the style's colour is a variant, it may be a number.
+void SetColor(IHTMLStyle* style, long color) {
+    VARIANT value = {};
+    value.vt = VT_I4;
+    value.lVal = color;
+    style->put_color(value);
+}
+
+std::int64_t FindLast(const CKORString& text, wchar_t character) {
+    std::int64_t position = text.Length() - 1;
+    while (position >= 0 && text[position] != character) {
+        --position;
+    }
+    return position;
+}
+
+} // namespace
+
+BEGIN_DHTML_EVENT_MAP(CkorcontrolcenterDlg)
+DHTML_EVENT_CLASS(DISPID_HTMLELEMENTEVENTS2_ONMOUSEOVER, ItemClass, OnItemMouseOver)
+DHTML_EVENT_CLASS(DISPID_HTMLELEMENTEVENTS2_ONMOUSEOUT, ItemClass, OnItemMouseOut)
+DHTML_EVENT_CLASS(DISPID_HTMLELEMENTEVENTS2_ONCLICK, ItemClass, OnItemClick)
+END_DHTML_EVENT_MAP()
+
+HRESULT CkorcontrolcenterDlg::OnItemMouseOver(IHTMLElement* element) {
+    CComPtr<IHTMLStyle> style;
+    element->get_style(&style);
+    if (style != nullptr) {
+        SetColor(style, HoverColor);
+        style->put_cursor(_bstr_t(L"hand"));
+        style.Release();
+    }
+    m_hoveredElement = element;
+    return S_OK;
+}
+
+// The cursor stays as it is: intended.
+HRESULT CkorcontrolcenterDlg::OnItemMouseOut(IHTMLElement* element) {
+    CComPtr<IHTMLStyle> style;
+    element->get_style(&style);
+    if (style != nullptr) {
+        SetColor(style, PlainColor);
+        style.Release();
+    }
+    m_hoveredElement.Release();
+    return S_OK;
+}
+
+HRESULT CkorcontrolcenterDlg::OnItemClick(IHTMLElement* element) {
+    BSTR textReceived = nullptr;
+    BSTR idReceived = nullptr;
+    element->get_innerText(&textReceived);
+    element->get_id(&idReceived);
+    const _bstr_t text(textReceived, false);
+    const _bstr_t id(idReceived, false);
+    if (textReceived == nullptr || idReceived == nullptr) {
+        return S_OK;
+    }
+    const ControlCenterItem* const item = FindItem(idReceived);
+    if (item != nullptr && item->Path.Length() > 0) {
+        // Copies: a message box lets the catalogue be built again.
+        const CKORString path(item->Path);
+        const CKORString arguments(item->Arguments);
+        LaunchItem(path, arguments, item->Type);
+    }
+    return S_OK;
+}
+
+// The id is the section's key, '_' and the item's index. A section that has too few items is passed
+// over, since several may have the same key. Null when there is none.
+const ControlCenterItem* CkorcontrolcenterDlg::FindItem(const CKORString& id) const {
+    const std::int64_t separator = FindLast(id, L'_');
+    if (separator < 0) {
+        return nullptr;
+    }
+    const long index = _wtol(id.Text() + separator + 1);
+    if (index < 0) {
+        return nullptr;
+    }
+    const CKORString key = id.Left(separator);
+    for (const ControlCenterSection* const section : Sections) {
+        if (_wcsicmp(section->Key.Text(), key.Text()) == 0 && section->Count() > index &&
+            (*section)[index] != nullptr) {
+            return (*section)[index];
+        }
+    }
+    return nullptr;
+}
+
+void CkorcontrolcenterDlg::LaunchItem(const CKORString& path, const CKORString& arguments,
+                                      int type) {
+    switch (type) {
+    case ItemProgram:
+        ShellExecuteElevated(path, arguments, false);
+        break;
+    case ItemFolder:
+    case ItemDocument:
+        // Without the arguments: intended.
+        ShellExecute(nullptr, nullptr, path.Text(), nullptr, nullptr, SW_SHOWNORMAL);
+        break;
+    case ItemElevatedProgram:
+        ShellExecuteElevated(path, arguments, true);
+        break;
+    case ItemHelpTopic:
+        ShellExecute(nullptr, nullptr, L"hh.exe", (path + arguments).Text(), nullptr,
+                     SW_SHOWNORMAL);
+        break;
+    default:
+        MessageBox(L"This item has an invalid type.", L"Invalid item type", MB_OK);
+        break;
+    }
+}
+
+// The handle of the started process stays open, one for each start: intended.
+bool CkorcontrolcenterDlg::ShellExecuteElevated(const CKORString& path, const CKORString& arguments,
+                                                bool elevate) {
+    SHELLEXECUTEINFO start = {};
+    start.cbSize = sizeof(start);
+    start.fMask = SEE_MASK_NOCLOSEPROCESS;
+    if (elevate && IsUserAnAdmin() != TRUE) {
+        start.lpVerb = L"runas";
+    }
+    start.lpFile = path.Text();
+    start.lpParameters = arguments.Text();
+    start.nShow = SW_SHOWNORMAL;
+    return ShellExecuteEx(&start) != FALSE;
+}

@@ -60,9 +60,12 @@ kor_make_template() {
         kor_say "Making the Wine prefix template (about 10 s, once) ..."
         "$kor_wine" wineboot -i >/dev/null 2>&1 || exit 1
         # A crash must not wait for a dialog; without a window manager a dialog closes at once.
+        # This Wine does not look where Debian puts the symbols of a caption's buttons.
         "$kor_wine" reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f \
             >/dev/null 2>&1 || exit 1
         "$kor_wine" reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null 2>&1 || exit 1
+        [ ! -e /usr/share/wine/fonts/marlett.ttf ] ||
+            ln -sf /usr/share/wine/fonts/marlett.ttf "$kor_template/drive_c/windows/Fonts/" || exit 1
         "$kor_wineserver" -w
         touch "$kor_template/.ready"
     ) 9>"$kor_build/.prefix-template.lock"

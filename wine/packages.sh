@@ -3,7 +3,7 @@
 
 kor_run_packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build
-    wine wine64 xvfb xdotool imagemagick fonts-dejavu-core
+    wine wine64 fonts-wine xvfb xdotool imagemagick
 )
 kor_test_packages=(
     "${kor_run_packages[@]}"

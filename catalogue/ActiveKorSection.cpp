@@ -7,17 +7,19 @@
 
 namespace {
 
-bool HasActiveKorExamples(const Installation& installation, const CKORString& /*target*/) {
-    return IsExistingDirectory(installation.ActiveKorExamplesRoot.Text());
-}
+constexpr wchar_t Title[] = L"ActiveKOR";
 
 using I = Installation;
 
 constexpr ItemRow<I> Items[] = {
     // Named without the maker and written with a forward slash, unlike in Quick Start: intended,
     // as is the blank before the argument.
-    {L"Sample Gallery", &I::InstallDir, L"Tools/SampleGallery.exe", ItemProgram, L" /ActiveKOR",
-     HasActiveKorExamples},
+    {L"Sample Gallery",
+     &I::InstallDir,
+     L"Tools/SampleGallery.exe",
+     ItemProgram,
+     L" /ActiveKOR",
+     {IsDirectory, &I::ActiveKorExamplesRoot, L"the examples root is no existing folder"}},
     // Opened by its association, not in the help viewer.
     {L"ActiveKOR Help file", &I::InstallDir, L"ActiveKOR/Help/ActiveKORHelp.chm", ItemDocument},
     {L"ActiveKOR directory", &I::InstallDir, L"ActiveKOR", ItemFolder},
@@ -33,6 +35,9 @@ constexpr ItemRow<I> Items[] = {
 void BuildActiveKorSection(SectionTable& sections, const Installation& installation) {
     const CKORString control = installation.InstallDir + L"ActiveKOR/Controls/kor.ocx";
     if (PathFileExistsW(control.Text()) != FALSE) {
-        AddItems(AddSection(sections, L"ACTIVEKOR", L"ActiveKOR"), Items, installation);
+        AddItems(sections, AddSection(sections, L"ACTIVEKOR", Title), Items, installation);
+    } else {
+        sections.Omissions.Add(
+            {Title, L"", L"the control file does not exist", control, PathBase::InstallDir});
     }
 }

@@ -2,14 +2,24 @@
 
 #include "catalogue/SectionBuilders.h"
 
+namespace {
+
+constexpr wchar_t NotDevelopment[] = L"this is no development installation";
+
+} // namespace
+
 Catalogue::~Catalogue() {
     DeleteAll(*this);
 }
 
 void Catalogue::Build(const Installation& installation, bool isDevelopment) {
+    Omissions.SetSize(0, false);
     if (isDevelopment) {
         BuildQuickStartSection(*this, installation);
         BuildFoldersSection(*this, installation);
+    } else {
+        Omissions.Add({QuickStartTitle, L"", NotDevelopment, L"", PathBase::None});
+        Omissions.Add({FoldersTitle, L"", NotDevelopment, L"", PathBase::None});
     }
     BuildGeneralToolsSection(*this, installation);
     BuildProcessingToolsSection(*this, installation);

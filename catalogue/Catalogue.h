@@ -1,18 +1,16 @@
 // The catalogue: the sections that this installation gives, in the order of the page.
 #pragma once
 
-#include "base/CTable1D.h"
-#include "catalogue/ControlCenterSection.h"
-#include "catalogue/Installation.h"
+#include "catalogue/SectionTable.h"
 
 // Owns its sections.
-class Catalogue : public CTable1D<ControlCenterSection*> {
+class Catalogue : public SectionTable {
 public:
     Catalogue() = default;
     ~Catalogue() override;
 
-    // Appends the sections that the installation gives. Quick Start and Folders belong to
-    // development installations only.
+    // Appends the sections that the installation gives; the notes are those of this call. Quick
+    // Start and Folders belong to development installations only.
     void Build(const Installation& installation, bool isDevelopment);
 
     // Gives each section its place, left to right, columnCount to a row. Returns the number of

@@ -1,5 +1,9 @@
 #include "catalogue/ControlCenterItem.h"
 
+#include <windows.h>
+
+#include <shlwapi.h>
+
 #include <algorithm>
 #include <cwchar>
 
@@ -23,4 +27,8 @@ ControlCenterItem::ControlCenterItem(const ControlCenterSection* section, const 
     // A click compares with the unchanged key, so an id that had blanks never finds its section:
     // intended.
     std::replace(Id.begin(), Id.end(), L' ', L'-');
+}
+
+bool ControlCenterItem::IsShown() const {
+    return PathFileExistsW(Path.Text()) != FALSE;
 }

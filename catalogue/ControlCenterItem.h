@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "base/CKORString.h"
+#include "catalogue/Installation.h"
 
 class ControlCenterSection;
 
@@ -30,6 +31,9 @@ public:
     ControlCenterItem& operator=(const ControlCenterItem&) = delete;
     ~ControlCenterItem() = default;
 
+    // Whether the target exists now, which is asked of the file system each time.
+    bool IsShown() const;
+
     CKORString Label;
     CKORString Path; // the item is shown only if it exists
     CKORString Prefix;
@@ -38,4 +42,5 @@ public:
     ControlCenterItemType Type;
     CKORString Id;
     const ControlCenterSection* Section; // not owned
+    PathBase Base = PathBase::None;      // what Path begins with
 };

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr wchar_t Title[] = L"Flow Forge";
+
 using I = Installation;
 
 constexpr ItemRow<I> Items[] = {
@@ -23,6 +25,9 @@ constexpr ItemRow<I> Items[] = {
 void BuildFlowForgeSection(SectionTable& sections, const Installation& installation) {
     const CKORString program = installation.FlowForgeInstallDir + L"FlowForge.exe";
     if (PathFileExistsW(program.Text()) != FALSE) {
-        AddItems(AddSection(sections, L"FLOWFORGE", L"Flow Forge"), Items, installation);
+        AddItems(sections, AddSection(sections, L"FLOWFORGE", Title), Items, installation);
+    } else {
+        sections.Omissions.Add(
+            {Title, L"", L"the program does not exist", program, PathBase::FlowForgeInstallDir});
     }
 }

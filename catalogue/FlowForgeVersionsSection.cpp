@@ -28,12 +28,19 @@ struct Version {
     CKORString RuntimeManagerPath;
 };
 
-bool IsVersion21(const Version& version, const CKORString& /*target*/) {
-    return _wcsicmp(version.Name.Text(), L"2.1") == 0;
+// Found by the table's loop through the type of its argument.
+PathBase BaseOf(CKORString Version::*text) {
+    return text == &Version::InstallFolder    ? PathBase::VersionInstallFolder
+           : text == &Version::ExamplesFolder ? PathBase::VersionExamplesFolder
+                                              : PathBase::RuntimeManager;
 }
 
-bool IsNotVersion21(const Version& version, const CKORString& target) {
-    return !IsVersion21(version, target);
+bool IsVersion21(const CKORString& name) {
+    return _wcsicmp(name.Text(), L"2.1") == 0;
+}
+
+bool IsNotVersion21(const CKORString& name) {
+    return !IsVersion21(name);
 }
 
 using V = Version;
@@ -43,10 +50,18 @@ constexpr ItemRow<V> ProductItems[] = {
     {L"Velnora utility", &V::ExamplesFolder,
      L"/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/Velnora.exe", ItemProgram},
     // "Help file" goes with the user guide's file and "User Guide" with the help's: intended.
-    {L"Vantrel Flow Forge Help file", &V::InstallFolder, L"Documentation/FlowForgeUserGuide.chm",
-     ItemDocument, L"", IsVersion21},
-    {L"Vantrel Flow Forge User Guide", &V::InstallFolder, L"Documentation/FlowForgeHelp.chm",
-     ItemDocument, L"", IsNotVersion21},
+    {L"Vantrel Flow Forge Help file",
+     &V::InstallFolder,
+     L"Documentation/FlowForgeUserGuide.chm",
+     ItemDocument,
+     L"",
+     {IsVersion21, &V::Name}},
+    {L"Vantrel Flow Forge User Guide",
+     &V::InstallFolder,
+     L"Documentation/FlowForgeHelp.chm",
+     ItemDocument,
+     L"",
+     {IsNotVersion21, &V::Name}},
     {L"Flow Forge Documentation", &V::InstallFolder, L"/Documentation", ItemFolder},
     {L"Flow Forge Tools", &V::InstallFolder, L"/Tools", ItemFolder},
 };
@@ -125,20 +140,25 @@ bool ReadFolders(CRegistryKey& key, Version& version) {
     return true;
 }
 
+CKORString TitleOf(const CKORString& versionName, bool is32Bit) {
+    return L"Flow Forge " + versionName + (is32Bit ? L" (32-bit)" : L"");
+}
+
 void AddVersionSection(SectionTable& sections, const Version& version, bool is32Bit) {
+    const CKORString title = TitleOf(version.Name, is32Bit);
     const CKORString program = version.InstallFolder + L"FlowForge.exe";
     if (!Exists(program) && !Exists(version.InstallFolder + L"/Tools")) {
+        sections.Omissions.Add({title, L"", L"neither the program nor a folder Tools exists",
+                                program, PathBase::VersionInstallFolder});
         return;
     }
     // The key does not tell the views apart, so a click on a version that both list finds the
     // 64-bit section: intended.
-    ControlCenterSection& section =
-        AddSection(sections, L"FLOWFORGE-" + version.Name,
-                   L"Flow Forge " + version.Name + (is32Bit ? L" (32-bit)" : L""));
+    ControlCenterSection& section = AddSection(sections, L"FLOWFORGE-" + version.Name, title);
     if (Exists(program)) {
-        AddItems(section, ProductItems, version);
+        AddItems(sections, section, ProductItems, version);
     }
-    AddItems(section, RuntimeManagerItem, version);
+    AddItems(sections, section, RuntimeManagerItem, version);
 }
 
 } // namespace
@@ -149,7 +169,10 @@ void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit) {
     if (key.Open(ActiveRuntimeKey, false)) {
         key.Close(false);
     }
-    if (!key.Open(is32Bit ? VersionsKey32Bit : VersionsKey, false)) {
+    const wchar_t* const versionsKey = is32Bit ? VersionsKey32Bit : VersionsKey;
+    if (!key.Open(versionsKey, false)) {
+        sections.Omissions.Add({TitleOf(L"versions", is32Bit), L"",
+                                L"the registry key does not exist", versionsKey, PathBase::None});
         return;
     }
     CTable1D<CKORString> names;
@@ -162,6 +185,10 @@ void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit) {
         version.RuntimeManagerPath = runtimeManager;
         if (ReadFolders(key, version)) {
             AddVersionSection(sections, version, is32Bit);
+        } else {
+            sections.Omissions.Add({TitleOf(name, is32Bit), L"",
+                                    L"the version's key has no value \"InstallationPath\"",
+                                    CKORString(versionsKey) + L"\\" + name, PathBase::None});
         }
     }
     key.CloseIfOpen();

@@ -18,5 +18,5 @@ constexpr ItemRow<I> Items[] = {
 } // namespace
 
 void BuildFoldersSection(SectionTable& sections, const Installation& installation) {
-    AddItems(AddSection(sections, L"FOLDERS", L"Folders"), Items, installation);
+    AddItems(sections, AddSection(sections, L"FOLDERS", FoldersTitle), Items, installation);
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-bool IsFilledDirectory(const Installation& /*installation*/, const CKORString& target) {
+bool IsFilledDirectory(const CKORString& target) {
     return IsExistingDirectory(target.Text()) && PathIsDirectoryEmptyW(target.Text()) == FALSE;
 }
 
@@ -17,15 +17,26 @@ constexpr ItemRow<I> Items[] = {
     {L"KORConfig", &I::InstallDir, L"Tools\\KorConfig.exe", ItemProgram},
     {L"Vantrel Framewright", &I::InstallDir, L"Framewright\\Framewright.exe", ItemProgram},
     // The other label is seen only when the target is a folder: intended.
-    {L"Vantrel TimeScope", &I::InstallDir, L"Tools\\TimeScope.exe", ItemProgram, L"", nullptr,
-     Join::PathPiece, L"KORTimeScope"},
+    {L"Vantrel TimeScope",
+     &I::InstallDir,
+     L"Tools\\TimeScope.exe",
+     ItemProgram,
+     L"",
+     {},
+     Join::PathPiece,
+     L"KORTimeScope"},
     {L"Vantrel Grab Studio", &I::InstallDir, L"Tools\\GrabStudio.exe", ItemProgram},
-    {L"Tutorials directory", &I::InstallDir, L"Tutorial videos", ItemFolder, L"", IsFilledDirectory,
+    {L"Tutorials directory",
+     &I::InstallDir,
+     L"Tutorial videos",
+     ItemFolder,
+     L"",
+     {IsFilledDirectory, nullptr, L"the folder is missing or empty"},
      Join::PathPiece},
 };
 
 } // namespace
 
 void BuildGeneralToolsSection(SectionTable& sections, const Installation& installation) {
-    AddItems(AddSection(sections, L"TOOLS", L"General Tools"), Items, installation);
+    AddItems(sections, AddSection(sections, L"TOOLS", L"General Tools"), Items, installation);
 }

@@ -14,6 +14,20 @@ enum class Join {
     PathPiece, // AppendPathPiece: with a backslash between them where none is
 };
 
+// Whether an item is made. Without a test it always is.
+template <typename Bases>
+struct ItemCondition {
+    bool (*Holds)(const CKORString& tested) = nullptr;
+    CKORString Bases::*Tested = nullptr; // null: the item's target
+    // The reason to note when it is not made; null when another row takes its place.
+    const wchar_t* Otherwise = nullptr;
+};
+
+// For conditions.
+inline bool IsDirectory(const CKORString& path) {
+    return IsExistingDirectory(path.Text());
+}
+
 // One item. Bases holds the texts that targets begin with (the installation's folders, say).
 // The members that have a value here may be left out of a row.
 template <typename Bases>
@@ -23,8 +37,7 @@ struct ItemRow {
     const wchar_t* Relative;
     ControlCenterItemType Type;
     const wchar_t* Arguments = L"";
-    // The item is made only if it holds.
-    bool (*Condition)(const Bases& bases, const CKORString& target) = nullptr;
+    ItemCondition<Bases> Condition = {};
     Join JoinedBy = Join::Plain;
     // The label of a target that is not an existing file.
     const wchar_t* LabelUnlessFile = nullptr;
@@ -41,16 +54,43 @@ CKORString TargetOf(const ItemRow<Bases>& row, const Bases& bases) {
     return target;
 }
 
+inline PathBase BaseOf(CKORString Installation::*text) {
+    return text == &Installation::InstallDir              ? PathBase::InstallDir
+           : text == &Installation::ActiveKorExamplesRoot ? PathBase::ActiveKorExamplesRoot
+           : text == &Installation::KorExamplesRoot       ? PathBase::KorExamplesRoot
+                                                          : PathBase::FlowForgeInstallDir;
+}
+
+// False, with a note, when the row's condition does not hold.
+template <typename Bases>
+bool IsMade(SectionTable& sections, const ControlCenterSection& section, const ItemRow<Bases>& row,
+            const Bases& bases, const CKORString& target) {
+    const ItemCondition<Bases>& condition = row.Condition;
+    const CKORString& tested = condition.Tested != nullptr ? bases.*condition.Tested : target;
+    if (condition.Holds == nullptr || condition.Holds(tested)) {
+        return true;
+    }
+    if (condition.Otherwise != nullptr) {
+        sections.Omissions.Add({section.Title, row.Label, condition.Otherwise, tested,
+                                BaseOf(condition.Tested != nullptr ? condition.Tested : row.Base)});
+    }
+    return false;
+}
+
 template <typename Bases, std::size_t N>
-void AddItems(ControlCenterSection& section, const ItemRow<Bases> (&rows)[N], const Bases& bases) {
+void AddItems(SectionTable& sections, ControlCenterSection& section,
+              const ItemRow<Bases> (&rows)[N], const Bases& bases) {
     for (const ItemRow<Bases>& row : rows) {
         const CKORString target = TargetOf(row, bases);
-        if (row.Condition != nullptr && !row.Condition(bases, target)) {
+        if (!IsMade(sections, section, row, bases, target)) {
             continue;
         }
         const bool otherLabel = row.LabelUnlessFile != nullptr && !IsExistingFile(target.Text());
-        section.Add(new ControlCenterItem(&section, otherLabel ? row.LabelUnlessFile : row.Label,
-                                          L"", L"", target, row.Type, row.Arguments));
+        auto* const item =
+            new ControlCenterItem(&section, otherLabel ? row.LabelUnlessFile : row.Label, L"", L"",
+                                  target, row.Type, row.Arguments);
+        item->Base = BaseOf(row.Base);
+        section.Add(item);
     }
 }
 

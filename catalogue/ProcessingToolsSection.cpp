@@ -21,5 +21,5 @@ constexpr ItemRow<I> Items[] = {
 } // namespace
 
 void BuildProcessingToolsSection(SectionTable& sections, const Installation& installation) {
-    AddItems(AddSection(sections, L"GUI", L"Processing Tools"), Items, installation);
+    AddItems(sections, AddSection(sections, L"GUI", L"Processing Tools"), Items, installation);
 }

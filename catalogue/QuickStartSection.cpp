@@ -3,10 +3,6 @@
 
 namespace {
 
-bool HasExamples(const Installation& installation, const CKORString& /*target*/) {
-    return IsExistingDirectory(installation.KorExamplesRoot.Text());
-}
-
 using I = Installation;
 
 constexpr wchar_t HelpFile[] = L"KOR\\DOC\\help\\KORHelp.chm";
@@ -16,8 +12,12 @@ constexpr wchar_t WhatsNewTopic[] =
 
 constexpr ItemRow<I> Items[] = {
     // The argument begins with a blank: intended.
-    {L"Vantrel Sample Gallery", &I::InstallDir, L"Tools\\SampleGallery.exe", ItemProgram, L" /KOR",
-     HasExamples},
+    {L"Vantrel Sample Gallery",
+     &I::InstallDir,
+     L"Tools\\SampleGallery.exe",
+     ItemProgram,
+     L" /KOR",
+     {IsDirectory, &I::KorExamplesRoot, L"the examples root is no existing folder"}},
     {L"KOR Help", &I::InstallDir, HelpFile, ItemHelpTopic},
     {L"KOR Release Notes", &I::InstallDir, HelpFile, ItemHelpTopic, WhatsNewTopic},
 };
@@ -25,5 +25,5 @@ constexpr ItemRow<I> Items[] = {
 } // namespace
 
 void BuildQuickStartSection(SectionTable& sections, const Installation& installation) {
-    AddItems(AddSection(sections, L"KOR", L"Quick Start"), Items, installation);
+    AddItems(sections, AddSection(sections, L"KOR", QuickStartTitle), Items, installation);
 }

@@ -6,13 +6,14 @@ namespace {
 
 constexpr wchar_t RtxKey[] = L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Imaging Library\\RTX";
 
+constexpr wchar_t Title[] = L"KOR for RTOS";
+
 using I = Installation;
 
 constexpr ItemRow<I> Items[] = {
     // The program of General Tools in its other mode, written with a forward slash: intended.
     {L"KORConfig for RTOS", &I::InstallDir, L"Tools/KorConfig.exe", ItemProgram, L"-rtxmode"},
-    {L"KOR RTOS Examples", &I::KorExamplesRoot, L"KORRTOS", ItemFolder, L"", nullptr,
-     Join::PathPiece},
+    {L"KOR RTOS Examples", &I::KorExamplesRoot, L"KORRTOS", ItemFolder, L"", {}, Join::PathPiece},
 };
 
 } // namespace
@@ -21,8 +22,10 @@ void BuildRtosSection(SectionTable& sections, const Installation& installation) 
     // The key's existence alone decides.
     CRegistryKey key;
     if (!key.Open(RtxKey, false)) {
+        sections.Omissions.Add(
+            {Title, L"", L"the registry key does not exist", RtxKey, PathBase::None});
         return;
     }
-    AddItems(AddSection(sections, L"RT", L"KOR for RTOS"), Items, installation);
+    AddItems(sections, AddSection(sections, L"RT", Title), Items, installation);
     key.Close(false);
 }

@@ -1,12 +1,13 @@
 // The builders of the page's sections, in the order in which the catalogue calls them. Each
-// appends the sections of one product or subject to the list that owns them, or none.
+// appends the sections of one product or subject, or notes why there is none.
 #pragma once
 
-#include "base/CTable1D.h"
-#include "catalogue/ControlCenterSection.h"
 #include "catalogue/Installation.h"
+#include "catalogue/SectionTable.h"
 
-using SectionTable = CTable1D<ControlCenterSection*>;
+// Of the two sections that the catalogue leaves out itself.
+inline constexpr wchar_t QuickStartTitle[] = L"Quick Start";
+inline constexpr wchar_t FoldersTitle[] = L"Folders";
 
 void BuildQuickStartSection(SectionTable& sections, const Installation& installation);
 void BuildFoldersSection(SectionTable& sections, const Installation& installation);

@@ -23,6 +23,12 @@ void ControlCenterPage::BuildSections() {
 }
 
 void ControlCenterPage::ComposePage() {
+    CTable1D<std::int64_t> rowHeights;
+    ComposePage(rowHeights);
+}
+
+void ControlCenterPage::ComposePage(CTable1D<std::int64_t>& rowHeights) {
+    rowHeights.SetSize(0, false);
     if (!IsValidInstallation()) {
         PageHtml = CKORString::Format(SectionMarkup, L"KOR", NotInstalledMessage, L"");
         return;
@@ -31,7 +37,6 @@ void ControlCenterPage::ComposePage() {
     if (ColumnCount > 1) {
         PageHtml += GridOpening;
     }
-    CTable1D<std::int64_t> rowHeights;
     for (std::int64_t row = 0; row < RowCount; ++row) {
         PageHtml += RowOpening;
         rowHeights.Add(0);

@@ -21,6 +21,8 @@ public:
     // Writes the catalogue's markup to PageHtml and adds the rows' heights to WindowHeight. An
     // installation that is not valid gives a message instead, and no height.
     void ComposePage();
+    // Leaves the rows' heights, too, none for an installation that is not valid.
+    void ComposePage(CTable1D<std::int64_t>& rowHeights);
 
     Catalogue Sections;
     CKORString PageHtml;

@@ -6,11 +6,6 @@
 
 namespace {
 
-constexpr wchar_t InstallKey[] = L"M_KOR_HKEY_LOCAL_MACHINE_RUNTIME\\install";
-constexpr wchar_t FlowForgeKey[] =
-    L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Install";
-constexpr wchar_t LibraryKey[] = L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Imaging Library";
-
 struct Answer {
     bool Exists = false; // the value is there
     bool IsText = false; // and could be read
@@ -33,20 +28,24 @@ Answer AskPath(const CKORString& path, const wchar_t* valueName) {
     return ReadAndClose(key, valueName);
 }
 
-Answer AskByOpening(const wchar_t* path, const wchar_t* valueName) {
+Answer AskByOpening(const InstallationQuery& query) {
     CRegistryKey key;
-    key.Open(path, false);
-    return ReadAndClose(key, valueName);
+    key.Open(query.Key, false);
+    return ReadAndClose(key, query.Value);
 }
 
 } // namespace
 
+CKORString ExamplesRootKey(const CKORString& product) {
+    return CKORString(ExamplesRootQuery.Key) + L"\\" + product;
+}
+
 CKORString QueryInstallFolder() {
-    return AskPath(InstallKey, L"installdir").Text;
+    return AskPath(InstallFolderQuery.Key, InstallFolderQuery.Value).Text;
 }
 
 CKORString QueryFlowForgeInstallFolder() {
-    Answer answer = AskByOpening(FlowForgeKey, L"InstallationPath");
+    Answer answer = AskByOpening(FlowForgeInstallFolderQuery);
     if (answer.Exists) {
         // Also behind a backslash that is there already, and alone when the value is no text:
         // intended.
@@ -56,14 +55,14 @@ CKORString QueryFlowForgeInstallFolder() {
 }
 
 CKORString QueryExamplesRoot(const CKORString& product) {
-    return AskPath(CKORString(InstallKey) + L"\\" + product, L"ExamplesRootPath").Text;
+    return AskPath(ExamplesRootKey(product), ExamplesRootQuery.Value).Text;
 }
 
 bool IsDevelopmentInstallation() {
-    const Answer answer = AskByOpening(LibraryKey, L"KORType");
+    const Answer answer = AskByOpening(DevelopmentQuery);
     return _wcsicmp(answer.Text.Text(), L"Development") == 0;
 }
 
 bool IsValidInstallation() {
-    return AskByOpening(LibraryKey, L"KorVersion").IsText;
+    return AskByOpening(ValidInstallationQuery).IsText;
 }

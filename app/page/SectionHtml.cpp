@@ -1,8 +1,4 @@
 // The markup of one section. Texts are inserted as they are, without escaping: intended.
-#include <windows.h>
-
-#include <shlwapi.h>
-
 #include "app/page/PageMarkup.h"
 #include "catalogue/ControlCenterSection.h"
 
@@ -10,7 +6,7 @@ CKORString ControlCenterSection::ComposeSectionHtml() {
     CKORString list;
     std::int64_t shown = 0;
     for (const ControlCenterItem* const item : *this) {
-        if (PathFileExistsW(item->Path.Text()) != FALSE) {
+        if (item->IsShown()) {
             ++shown;
             list += CKORString::Format(ItemMarkup, item->Prefix.Text(), ItemClass, item->Id.Text(),
                                        item->Label.Text(), item->Suffix.Text());

@@ -126,6 +126,22 @@ TEST_F(Composition, AnInvalidInstallationGivesTheMessageAlone) {
     EXPECT_EQ(m_page.WindowHeight, 55);
 }
 
+TEST_F(Composition, LeavesTheRowsHeightsOnRequest) {
+    Add(L"A", L"Alpha", 1);
+    Add(L"B", L"Beta", 3);
+    Add(L"C", L"Gamma", 0, 1);
+    CTable1D<std::int64_t> heights;
+    for (int i = 0; i < 2; ++i) {
+        m_page.ComposePage(heights);
+        ASSERT_EQ(heights.Count(), 2) << "those of this composition only";
+        EXPECT_EQ(heights[0], 45 + 3 * 20);
+        EXPECT_EQ(heights[1], 45);
+    }
+    m_installed.DeleteValue(Library, L"KorVersion");
+    m_page.ComposePage(heights);
+    EXPECT_EQ(heights.Count(), 0);
+}
+
 TEST_F(Composition, TextsAreInsertedAsTheyAre) {
     auto* const section = new ControlCenterSection(L"K", L"<b>\"A & B\"");
     m_page.Sections.Add(section);

@@ -66,7 +66,6 @@ bool ReadVariable(const wchar_t* name, CKORString& result) {
             return false;
         }
         if (length < size) {
-            value.SetSize(std::int64_t{length} + 1, true);
             value[length] = L'\0';
             result = value;
             return true;
@@ -106,9 +105,7 @@ bool ReadDebugSetting(const wchar_t* name, CKORString& result, bool asNumber) {
     const wchar_t* valueName = name;
     if (const wchar_t* const separator = std::wcsrchr(name, L'\\'); separator != nullptr) {
         valueName = separator + 1;
-        if (separator != name) {
-            AppendPathPiece(keyPath, CKORString(name).Left(separator - name));
-        }
+        AppendPathPiece(keyPath, CKORString(name).Left(separator - name));
     }
     return std::any_of(std::begin(RootsInOrder), std::end(RootsInOrder), [&](SymbolicRootId root) {
         CRegistryKey key;

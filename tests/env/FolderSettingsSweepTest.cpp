@@ -119,8 +119,13 @@ TEST_F(LookUpSweep, AFailingCallOfTheFirstSourceLeadsToTheNext) {
         all = calls.Made();
         EXPECT_TRUE(calls.IsBalanced());
     }
-    EXPECT_EQ(std::count(all.begin(), all.end(), "RegOpenKeyExW"), 1) << "the machine is not asked";
-    EXPECT_EQ(std::count(all.begin(), all.end(), "GetEnvironmentVariableW"), 0);
+    // Whether the value is there, its type, its presence again, its data. The machine is not asked,
+    // nor is the environment.
+    const std::vector<std::string> expectedCalls{
+        "RegOpenCurrentUser", "RegOpenKeyExW",    "RegQueryValueExW",
+        "RegQueryValueExW",   "RegQueryValueExW", "RegQueryValueExW",
+        "RegCloseKey",        "RegCloseKey",      "GetFileAttributesW"};
+    EXPECT_EQ(all, expectedCalls);
     for (std::size_t failing = 0; failing < all.size(); ++failing) {
         const std::string& function = all[failing];
         const std::wstring expected =

@@ -1,0 +1,191 @@
+// Every registry and file-system call that building the catalogue and composing the page make, in
+// their order. A call more is a call that each start and each F5 pays for.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <shlwapi.h>
+
+#include <string>
+#include <vector>
+
+#include "app/page/ControlCenterPage.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/TestInstallation.h"
+
+namespace {
+
+using Calls = std::vector<std::string>;
+
+std::string Narrow(const wchar_t* text) {
+    const std::wstring wide = text != nullptr ? text : L"(null)";
+    return std::string(wide.begin(), wide.end());
+}
+
+// What the page's work calls, each call as a line that names its key, value or path.
+Calls CallsOf(void (ControlCenterPage::*work)(), ControlCenterPage& page) {
+    Calls calls;
+    HOOK_IMPORT(open, RegOpenKeyExW,
+                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
+                    calls.push_back("open " + Narrow(subKey));
+                    return open.Original(root, subKey, options, access, result);
+                });
+    HOOK_IMPORT(create, RegCreateKeyExW,
+                [&](HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, LPSECURITY_ATTRIBUTES, PHKEY,
+                    LPDWORD) -> LSTATUS {
+                    calls.emplace_back("create");
+                    return ERROR_ACCESS_DENIED;
+                });
+    HOOK_IMPORT(user, RegOpenCurrentUser, [&](REGSAM, PHKEY) -> LSTATUS {
+        calls.emplace_back("user");
+        return ERROR_ACCESS_DENIED;
+    });
+    HOOK_IMPORT(
+        query, RegQueryValueExW,
+        [&](HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
+            const char* const kind = data != nullptr   ? "read "
+                                     : type != nullptr ? "type "
+                                                       : "probe ";
+            calls.push_back(kind + Narrow(name));
+            return query.Original(key, name, reserved, type, data, size);
+        });
+    HOOK_IMPORT(enumerate, RegEnumKeyExW,
+                [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
+                    LPWSTR className, LPDWORD classLength, PFILETIME time) {
+                    calls.push_back("enumerate " + std::to_string(index));
+                    return enumerate.Original(key, index, name, length, reserved, className,
+                                              classLength, time);
+                });
+    HOOK_IMPORT(close, RegCloseKey, [&](HKEY key) {
+        calls.emplace_back("close");
+        return close.Original(key);
+    });
+    HOOK_IMPORT(attributes, GetFileAttributesW, [&](LPCWSTR path) {
+        calls.push_back("attributes " + Narrow(path));
+        return attributes.Original(path);
+    });
+    HOOK_IMPORT(exists, PathFileExistsW, [&](LPCWSTR path) {
+        calls.push_back("exists " + Narrow(path));
+        return exists.Original(path);
+    });
+    HOOK_IMPORT(empty, PathIsDirectoryEmptyW, [&](LPCWSTR path) {
+        calls.push_back("empty? " + Narrow(path));
+        return empty.Original(path);
+    });
+    (page.*work)();
+    return calls;
+}
+
+void Append(Calls& to, const Calls& more) {
+    to.insert(to.end(), more.begin(), more.end());
+}
+
+Calls ReadOf(const std::string& value) {
+    return {"probe " + value, "type " + value, "probe " + value, "read " + value};
+}
+
+constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
+constexpr char LibraryKey[] = "SOFTWARE\\Vantrel\\Vantrel Imaging Library";
+constexpr char VersionsKey[] = "SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Installed Versions";
+constexpr char VersionKey[] = "SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0";
+
+// A development installation with everything that has a condition, and one Flow Forge version.
+class FullInstallation {
+public:
+    FullInstallation() {
+        m_installed.SetText(Library, L"KORType", L"Development");
+        m_installed.SetText(Library, L"KorVersion", L"1");
+        m_installed.MakeKey(std::wstring(Library) + L"\\RTX");
+        m_installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0",
+                            L"InstallationPath", L"C:\\KorTest\\FF");
+        m_installed.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
+        m_installed.MakeFile(L"C:\\KorTest\\FF\\Tools\\FlowForgeRuntimeManager.exe");
+        m_installed.MakeFile(L"C:\\KorTest\\Tools\\TimeScope.exe");
+        m_installed.MakeFile(L"C:\\KorTest\\Tutorial videos\\a.mp4");
+        m_installed.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
+        m_installed.MakeFolder(L"C:\\KorTest\\Ex");
+        m_installed.MakeFolder(L"C:\\KorTest\\AEx");
+        m_page.InstallDir = L"C:\\KorTest\\";
+        m_page.KorExamplesRoot = L"C:\\KorTest\\Ex";
+        m_page.ActiveKorExamplesRoot = L"C:\\KorTest\\AEx";
+        m_page.FlowForgeInstallDir = L"C:\\KorTest\\FF\\";
+    }
+
+    ControlCenterPage& Page() { return m_page; }
+
+private:
+    test::TestInstallation m_installed;
+    ControlCenterPage m_page;
+};
+
+TEST(SystemCalls, OfBuildingTheCatalogue) {
+    FullInstallation full;
+    const Calls calls = CallsOf(&ControlCenterPage::BuildSections, full.Page());
+
+    Calls expected = {std::string("open ") + LibraryKey};
+    Append(expected, ReadOf("KORType"));
+    Append(expected,
+           {"close",
+            // Quick Start and General Tools
+            "attributes C:\\KorTest\\Ex", "attributes C:\\KorTest\\Tools\\TimeScope.exe",
+            "attributes C:\\KorTest\\Tutorial videos", "empty? C:\\KorTest\\Tutorial videos",
+            // The versions of the 64-bit view: the probe, the list ...
+            "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime",
+            std::string("open ") + VersionsKey, "enumerate 0", "enumerate 1",
+            // ... the newest manager ...
+            "close", std::string("open ") + VersionKey});
+    Append(expected, ReadOf("InstallationPath"));
+    Append(expected, {"exists C:\\KorTest\\FF/Tools/FlowForgeRuntimeManager.exe", "close",
+                      std::string("open ") + VersionsKey,
+                      // ... and the version's section.
+                      "close", std::string("open ") + VersionKey});
+    Append(expected, ReadOf("InstallationPath"));
+    Append(expected, {"probe ExamplesPath", "exists C:\\KorTest\\FF\\FlowForge.exe",
+                      "exists C:\\KorTest\\FF\\FlowForge.exe", "close",
+                      std::string("open ") + VersionsKey, "close",
+                      // The 32-bit view has none.
+                      "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime",
+                      "open SOFTWARE\\Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions",
+                      // ActiveKOR, the single Flow Forge, KOR for RTOS
+                      "exists C:\\KorTest\\ActiveKOR/Controls/kor.ocx",
+                      "attributes C:\\KorTest\\AEx", "exists C:\\KorTest\\FF\\FlowForge.exe",
+                      "open SOFTWARE\\Vantrel\\Vantrel Imaging Library\\RTX", "close"});
+    EXPECT_EQ(calls, expected);
+}
+
+TEST(SystemCalls, OfComposingThePage) {
+    FullInstallation full;
+    ControlCenterPage& page = full.Page();
+    page.BuildSections();
+    const Calls calls = CallsOf(&ControlCenterPage::ComposePage, page);
+
+    Calls expected = {std::string("open ") + LibraryKey};
+    Append(expected, ReadOf("KorVersion"));
+    expected.emplace_back("close");
+    for (const ControlCenterSection* const section : page.Sections) {
+        for (const ControlCenterItem* const item : *section) {
+            expected.push_back("exists " + Narrow(item->Path.Text()));
+        }
+    }
+    EXPECT_EQ(calls, expected);
+    // Quick Start, Folders, tools, processing tools, the version, ActiveKOR, Flow Forge, RTOS.
+    EXPECT_EQ(calls.size(), 6U + 3 + 6 + 5 + 9 + 6 + 7 + 4 + 2);
+}
+
+TEST(SystemCalls, OfAnEmptyInstallation) {
+    const test::TestInstallation nothing;
+    ControlCenterPage page;
+    EXPECT_EQ(CallsOf(&ControlCenterPage::BuildSections, page),
+              (Calls{std::string("open ") + LibraryKey,
+                     // General Tools: relative paths, since there is no install folder.
+                     "attributes Tools\\TimeScope.exe", "attributes Tutorial videos",
+                     "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime",
+                     std::string("open ") + VersionsKey,
+                     "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime",
+                     "open SOFTWARE\\Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions",
+                     "exists ActiveKOR/Controls/kor.ocx", "exists FlowForge.exe",
+                     "open SOFTWARE\\Vantrel\\Vantrel Imaging Library\\RTX"}));
+    EXPECT_EQ(CallsOf(&ControlCenterPage::ComposePage, page),
+              (Calls{std::string("open ") + LibraryKey}));
+}
+
+} // namespace

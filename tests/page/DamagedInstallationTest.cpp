@@ -5,7 +5,6 @@
 #include <string>
 
 #include "app/page/ControlCenterPage.h"
-#include "tests/support/GuardedMemory.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {
@@ -89,26 +88,6 @@ TEST(DamagedInstallation, AVersionNameOf255Characters) {
     installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
     ControlCenterPage page;
     EXPECT_TRUE(Contains(ComposedPage(page), L"<h2>Flow Forge " + name + L"</h2>"));
-}
-
-TEST(DamagedInstallation, AThousandVersions) {
-    const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
-    installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
-    for (int i = 0; i < 1000; ++i) {
-        installed.SetText(Versions + L"3." + std::to_wstring(i), L"InstallationPath",
-                          L"C:\\KorTest");
-    }
-    const std::int64_t before = test::LiveBlocks();
-    {
-        ControlCenterPage page;
-        const std::wstring html = ComposedPage(page);
-        EXPECT_EQ(page.Sections.Count(), 1002);
-        EXPECT_EQ(page.RowCount, 501);
-        EXPECT_TRUE(Contains(html, L"<h2>Flow Forge 3.999</h2>"));
-        ExpectClosedGrid(html);
-    }
-    EXPECT_EQ(test::LiveBlocks(), before);
 }
 
 } // namespace

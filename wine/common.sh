@@ -14,22 +14,44 @@ kor_wineserver=$(command -v wineserver || echo /usr/lib/wine/wineserver)
 
 kor_say() { printf '%s\n' "$@" >&2; }
 
-# kor_step TEXT COMMAND...: says what is done and how long it took; shows the end of what the
-# command printed when it failed.
+# kor_step TEXT COMMAND...: says what is done and how long it took, and every ten seconds how far it
+# is; shows the end of what the command printed when it failed.
 kor_step() {
-    local text=$1 log=$kor_build/step.log started=${EPOCHREALTIME/./} result=0
+    local text=$1 log=$kor_build/step.log started=${EPOCHREALTIME/./} result=0 watcher
     shift
     mkdir -p "$kor_build"
+    : >"$log"
     printf '%s ... ' "$text" >&2
+    (
+        while sleep 10 >/dev/null 2>&1 && kill -0 $$ 2>/dev/null; do
+            printf '\n    %.110s ... ' "$(tail -n 1 "$log")"
+        done
+    ) >&2 &
+    watcher=$!
     "$@" >"$log" 2>&1 || result=$?
-    local tenths=$(((${EPOCHREALTIME/./} - started) / 100000))
-    if [ "$result" -eq 0 ]; then
-        printf '%d.%d s\n' $((tenths / 10)) $((tenths % 10)) >&2
-    else
-        printf 'FAILED after %d.%d s\n' $((tenths / 10)) $((tenths % 10)) >&2
-        tail -n 40 "$log" >&2
-    fi
+    kill "$watcher" 2>/dev/null
+    wait "$watcher" 2>/dev/null
+    [ "$result" -eq 0 ] || printf 'FAILED after ' >&2
+    kor_seconds_since "$started" >&2
+    [ "$result" -eq 0 ] || tail -n "${KOR_STEP_LINES:-40}" "$log" >&2
     return "$result"
+}
+
+# kor_seconds_since START: prints the seconds since START, a value of EPOCHREALTIME without its dot.
+kor_seconds_since() {
+    local tenths=$(((${EPOCHREALTIME/./} - $1) / 100000))
+    printf '%d.%d s\n' $((tenths / 10)) $((tenths % 10))
+}
+
+# kor_build_preset PRESET [TARGET...]: configures once and builds.
+kor_build_preset() {
+    local preset=$1 targets=()
+    shift
+    [ $# -eq 0 ] || targets=(--target "$@")
+    if [ ! -e "$kor_root/build/$preset/build.ninja" ]; then
+        kor_step "Configuring the $preset build" cmake --preset "$preset" || return 1
+    fi
+    kor_step "Building ($preset)" cmake --build --preset "$preset" "${targets[@]}"
 }
 
 # kor_private_display WIDTHxHEIGHT: starts an X server of its own and sets DISPLAY; the caller ends

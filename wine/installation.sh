@@ -55,14 +55,44 @@ kor_reg_text() {
     esac
 }
 
-# kor_settings_reg DPI DLL: what ./run and the tests set besides an installation: the screen's
-# resolution, and the class that shows HTML (an empty DLL leaves Wine's own in its place).
+# kor_settings_reg DPI MODE DLL: what is set besides an installation: the screen's resolution, whether
+# a window manager handles the windows, and the class that shows HTML (an empty DLL leaves Wine's own).
 kor_settings_reg() {
+    local managed=N path=Z:${3//\//\\}
+    [ "$2" = window ] && managed=Y
     printf 'Windows Registry Editor Version 5.00\n\n'
     printf '[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:%08x\n\n' "$1"
-    if [ -n "$2" ]; then
-        local path=Z:${2//\//\\}
+    printf '[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n"Managed"="%s"\n\n' "$managed"
+    if [ -n "$3" ]; then
         printf '[HKEY_LOCAL_MACHINE\\Software\\Classes\\CLSID\\{25336920-03F9-11CF-8FD0-00AA00686F13}\\InprocServer32]\n'
         printf '@="%s"\n' "${path//\\/\\\\}"
     fi
+}
+
+# kor_install_into PREFIX DPI MODE HTML ITEM...: makes PREFIX anew and puts an installation into it.
+# An ITEM is a list of files (.txt) or registry data (.reg). MODE "window" leaves the windows to the
+# desktop's window manager. HTML "none" leaves the HTML class as Wine has it.
+kor_install_into() {
+    local prefix=$1 dpi=$2 mode=$3 html=$4 item reg=() stub=$kor_build/release/wine/demo/demostub.exe
+    shift 4
+    local dll=$kor_build/release/wine/htmldocument/htmldocument.dll
+    [ "$html" != none ] || dll=''
+    kor_copy_prefix "$prefix" || return 1
+    for item in "$@"; do
+        case $item in
+            *.txt) kor_lay_files "$prefix" "$item" "$stub" || return 1 ;;
+            *) reg+=("$item") ;;
+        esac
+    done
+    kor_settings_reg "$dpi" "$mode" "$dll" >"$prefix/settings.reg" || return 1
+    WINEPREFIX=$prefix HOME=$kor_build/scratch-home kor_import "${reg[@]}" "$prefix/settings.reg"
+}
+
+# What a prefix with the demonstration installation is made from: another value, another prefix.
+kor_fingerprint() {
+    {
+        find "$kor_root"/wine/demo "$kor_root"/wine/*.sh -type f -exec sha256sum {} +
+        sha256sum "$kor_build/release/wine/demo/demostub.exe"
+        stat -c %Y "$kor_template/.ready"
+    } | sha256sum
 }

@@ -1,0 +1,419 @@
+// The dialog as the host of its page: the control's life, the filling of the page, events and keys.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <comdef.h>
+#include <shellapi.h>
+
+#include "app/CkorcontrolcenterDlg.h"
+#include "tests/app/ModalRun.h"
+#include "tests/support/TestInstallation.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+using test::Do;
+using test::RunModal;
+
+constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
+
+class Host : public testing::Test {
+protected:
+    Host() {
+        m_installation.SetText(Library, L"KorVersion", L"1");
+        m_installation.SetText(Library, L"KORType", L"Development");
+    }
+
+    // What the document would do with a key.
+    HRESULT AskHost(UINT message, WPARAM key) {
+        IDocHostUIHandler* handler = nullptr;
+        EXPECT_EQ(m_page.Browser.Site->QueryInterface(IID_PPV_ARGS(&handler)), S_OK);
+        MSG asked = {};
+        asked.message = message;
+        asked.wParam = key;
+        const HRESULT result = handler->TranslateAccelerator(&asked, nullptr, 0);
+        handler->Release();
+        return result;
+    }
+
+    SIZE WindowSize() const {
+        RECT window = {};
+        GetWindowRect(m_dialog.m_hWnd, &window);
+        return {window.right - window.left, window.bottom - window.top};
+    }
+
+    test::TestInstallation m_installation;
+    test::FakePage m_page;
+    CkorcontrolcenterDlg m_dialog;
+};
+
+TEST_F(Host, OpensTheControlInOrderAndClosesItInReverse) {
+    RECT client = {};
+    RunModal(m_dialog, m_page,
+             {Do([&] {
+                  EXPECT_EQ(m_page.Browser.ConnectedTo, __uuidof(DWebBrowserEvents2));
+                  m_page.Complete();
+                  EXPECT_EQ(m_page.Document.ConnectedTo, __uuidof(HTMLDocumentEvents2));
+              }),
+              Do([&] { GetClientRect(m_dialog.m_hWnd, &client); })});
+    EXPECT_EQ(m_page.Log,
+              (Lines{"create", "site", "browser advise", "verb -4", "navigate", "document advise",
+                     "innerHTML", "document unadvise", "browser unadvise", "close", "no site"}));
+    ASSERT_EQ(m_page.Browser.Navigated.size(), 1U);
+    wchar_t module[MAX_PATH];
+    GetModuleFileNameW(nullptr, module, MAX_PATH);
+    EXPECT_EQ(m_page.Browser.Navigated[0], L"res://" + std::wstring(module) + L"/129");
+    EXPECT_EQ(m_page.Browser.References, 0);
+    EXPECT_EQ(m_page.Document.References, 0);
+}
+
+TEST_F(Host, TheDialogIsSetUpInOrder) {
+    Lines log;
+    HOOK_IMPORT(send, SendMessageW, [&](HWND window, UINT message, WPARAM w, LPARAM l) -> LRESULT {
+        if (message == WM_SETICON) {
+            EXPECT_EQ(reinterpret_cast<HICON>(l),
+                      LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(134)));
+            log.push_back("icon " + std::to_string(w));
+        }
+        return send.Original(window, message, w, l);
+    });
+    HOOK_IMPORT(text, SetWindowTextW, [&](HWND window, LPCWSTR title) -> BOOL {
+        EXPECT_STREQ(title, L"Vantrel Imaging Library >> Control Center");
+        log.emplace_back("title");
+        return text.Original(window, title);
+    });
+    m_page.Browser.OnNavigate = [&] {
+        IDocHostUIHandler* handler = nullptr;
+        ASSERT_EQ(m_page.Browser.Site->QueryInterface(IID_PPV_ARGS(&handler)), S_OK);
+        DOCHOSTUIINFO info = {};
+        info.cbSize = sizeof(info);
+        EXPECT_EQ(handler->GetHostInfo(&info), S_OK);
+        EXPECT_EQ(info.dwFlags, 0x80U) << "set before the base's initialisation";
+        handler->Release();
+        log.emplace_back("base");
+    };
+    RunModal(m_dialog, m_page, {Do([&] {
+                 wchar_t title[100];
+                 GetWindowTextW(m_dialog.m_hWnd, title, 100);
+                 EXPECT_STREQ(title, L"Vantrel Imaging Library >> Control Center");
+             })});
+    EXPECT_EQ(log, (Lines{"base", "icon 1", "icon 0", "title"}));
+}
+
+TEST_F(Host, APageThatIsCompleteAtOnceIsFilledToo) {
+    m_page.Browser.OnNavigate = [&] { EXPECT_EQ(m_page.Complete(), S_OK); };
+    RunModal(m_dialog, m_page, {Do([&] {
+                 ASSERT_EQ(m_page.Sections.InnerHtml.size(), 1U);
+                 EXPECT_EQ(m_page.Sections.InnerHtml[0], m_dialog.PageHtml.Text());
+                 EXPECT_EQ(WindowSize().cx, m_dialog.WindowWidth);
+                 EXPECT_EQ(WindowSize().cy, m_dialog.WindowHeight);
+             })});
+}
+
+TEST_F(Host, ThePageIsFilledWhenItIsComplete) {
+    RunModal(m_dialog, m_page,
+             {Do([&] { EXPECT_TRUE(m_page.Sections.InnerHtml.empty()); }),
+              Do([&] { EXPECT_EQ(m_page.Complete(), S_OK); }), Do([&] {
+                  EXPECT_EQ(m_page.Document.Asked, std::vector<std::wstring>{L"Sections"});
+                  ASSERT_EQ(m_page.Sections.InnerHtml.size(), 1U);
+                  EXPECT_EQ(m_page.Sections.InnerHtml[0], m_dialog.PageHtml.Text());
+                  EXPECT_EQ(m_page.Sections.References, 0);
+              })});
+}
+
+TEST_F(Host, FramesWithinThePageDoNotCount) {
+    test::FakeDocument frame;
+    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(frame); }), Do([&] {
+                                    m_page.Browser.Fire(252, {{}, m_page.Browser.Dispatch()});
+                                    m_page.Browser.Fire(259, {});
+                                })});
+    EXPECT_TRUE(m_page.Sections.InnerHtml.empty());
+}
+
+TEST_F(Host, TheWindowIsResizedInPlace) {
+    int calls = 0;
+    HOOK_IMPORT(resize, SetWindowPos,
+                [&](HWND window, HWND after, int x, int y, int cx, int cy, UINT flags) -> BOOL {
+                    ++calls;
+                    EXPECT_EQ(window, m_dialog.m_hWnd);
+                    EXPECT_EQ(cx, m_dialog.WindowWidth);
+                    EXPECT_EQ(cy, m_dialog.WindowHeight);
+                    EXPECT_EQ(flags, 0x206U);
+                    EXPECT_EQ(m_page.Log.back(), "innerHTML") << "once the page is filled";
+                    return resize.Original(window, after, x, y, cx, cy, flags);
+                });
+    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); })});
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(Host, F5FillsThePageFromScratch) {
+    RunModal(m_dialog, m_page,
+             {Do([&] { m_page.Complete(); }), Do([&] {
+                  const std::int64_t sections = m_dialog.Sections.Count();
+                  const std::int64_t height = m_dialog.WindowHeight;
+                  EXPECT_EQ(height, m_dialog.BaseHeight + 2 * m_dialog.SectionBaseHeight)
+                      << "two rows of sections without items";
+                  EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), E_FAIL);
+                  ASSERT_EQ(m_page.Sections.InnerHtml.size(), 2U);
+                  EXPECT_EQ(m_page.Sections.InnerHtml[1], m_page.Sections.InnerHtml[0]);
+                  EXPECT_EQ(m_dialog.Sections.Count(), sections) << "nothing is there twice";
+                  EXPECT_EQ(m_dialog.WindowHeight, height);
+
+                  m_installation.DeleteValue(Library, L"KORType");
+                  EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), E_FAIL);
+                  EXPECT_EQ(m_dialog.Sections.Count(), sections - 2);
+                  EXPECT_EQ(WindowSize().cy, height - m_dialog.SectionBaseHeight);
+              })});
+}
+
+TEST_F(Host, WithoutTheElementNothingIsFilled) {
+    m_page.Document.Sections = nullptr;
+    m_dialog.WindowHeight = 12345;
+    HOOK_IMPORT(resize, SetWindowPos, [](HWND, HWND, int, int, int, int, UINT) -> BOOL {
+        ADD_FAILURE() << "the window keeps its size";
+        return TRUE;
+    });
+    HOOK_IMPORT(open, RegOpenKeyExW, [](HKEY, LPCWSTR, DWORD, REGSAM, PHKEY) -> LSTATUS {
+        ADD_FAILURE() << "the catalogue is not built";
+        return ERROR_FILE_NOT_FOUND;
+    });
+    RunModal(m_dialog, m_page, {Do([&] { EXPECT_EQ(m_page.Complete(), S_OK); })});
+    EXPECT_EQ(m_dialog.WindowHeight, 12345);
+    m_dialog.FillSectionsElement(); // without a document, too
+}
+
+TEST_F(Host, AMissingTextForThePageIsAnError) {
+    int resizes = 0;
+    const auto fail = [&](const std::function<void()>& action) {
+        HOOK_IMPORT(resize, SetWindowPos, [&](HWND, HWND, int, int, int, int, UINT) -> BOOL {
+            ++resizes;
+            return TRUE;
+        });
+        HOOK_IMPORT(allocate, SysAllocString, [&](const OLECHAR* text) -> BSTR {
+            return wcscmp(text, L"Sections") == 0 ? allocate.Original(text) : nullptr;
+        });
+        action();
+    };
+    RunModal(m_dialog, m_page,
+             {Do([&] {
+                  // Complete itself allocates a text, so the event is fired without one.
+                  fail([&] {
+                      EXPECT_EQ(m_page.Browser.Fire(259, {{}, m_page.Browser.Dispatch()}),
+                                static_cast<HRESULT>(0x8007000E));
+                  });
+              }),
+              Do([&] {
+                  fail([&] {
+                      EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), static_cast<HRESULT>(0x8007000E))
+                          << "the exception ends at the border to COM";
+                  });
+              }),
+              Do([&] {
+                  fail([&] {
+                      HRESULT raised = S_OK;
+                      try {
+                          m_dialog.FillSectionsElement();
+                      } catch (const _com_error& error) {
+                          raised = error.Error();
+                      }
+                      EXPECT_EQ(raised, static_cast<HRESULT>(0x8007000E));
+                  });
+                  EXPECT_EQ(m_page.Sections.References, 0);
+              })});
+    EXPECT_TRUE(m_page.Sections.InnerHtml.empty());
+    EXPECT_EQ(resizes, 0);
+}
+
+TEST_F(Host, EventsOfItemsReachTheirHandlers) {
+    test::FakeStyle style;
+    test::FakeElement item;
+    item.ClassName = L"item";
+    item.Id = L"NONE_0";
+    item.Text = L"text";
+    item.Style = &style;
+    test::FakeEvent event;
+    event.Source = &item;
+    const VARIANT argument = test::VariantOf(event);
+    constexpr auto MouseOver = static_cast<DISPID>(0x80010008);
+    constexpr auto MouseOut = static_cast<DISPID>(0x80010009);
+    RunModal(m_dialog, m_page,
+             {Do([&] { m_page.Complete(); }), Do([&] {
+                  const test::FakeDocument& document = m_page.Document;
+                  EXPECT_EQ(document.Fire(MouseOver, {argument}), S_OK);
+                  ASSERT_EQ(style.Colors.size(), 1U);
+                  EXPECT_EQ(style.Colors[0].lVal, 0xFF0000);
+                  EXPECT_EQ(document.Fire(MouseOut, {argument}), S_OK);
+                  ASSERT_EQ(style.Colors.size(), 2U);
+                  EXPECT_EQ(style.Colors[1].lVal, 0x0000FF);
+
+                  for (const wchar_t* const other : {L"items", L"ite", L"Item", L""}) {
+                      item.ClassName = other;
+                      document.Fire(MouseOver, {argument});
+                  }
+                  item.ClassName = std::nullopt;
+                  document.Fire(MouseOver, {argument});
+                  item.ClassName = L"item";
+                  document.Fire(DISPID_MOUSEMOVE, {argument});
+                  document.Fire(MouseOver, {});
+                  event.Source = nullptr;
+                  document.Fire(MouseOver, {argument});
+                  EXPECT_EQ(style.Colors.size(), 2U) << "of other elements, and other events";
+              })});
+    EXPECT_EQ(item.References, 0);
+    EXPECT_EQ(event.References, 0);
+}
+
+TEST_F(Host, AClickOnAnItemStartsIt) {
+    m_installation.SetText(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install", L"installdir",
+                           L"C:\\KorTest\\");
+    test::FakeElement item;
+    item.ClassName = L"item";
+    item.Text = L"text";
+    test::FakeEvent event;
+    event.Source = &item;
+    std::wstring opened;
+    HOOK_IMPORT(execute, ShellExecuteW,
+                [&](HWND, LPCWSTR, LPCWSTR file, LPCWSTR, LPCWSTR, INT) -> HINSTANCE {
+                    opened = file;
+                    return nullptr;
+                });
+    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
+                                    auto* const section = new ControlCenterSection(L"mine", L"");
+                                    m_dialog.Sections.Add(section);
+                                    section->Add(new ControlCenterItem(
+                                        section, L"", L"", L"", L"C:\\there", ItemFolder, L""));
+                                    item.Id = L"MINE_0";
+                                    m_page.Document.Fire(DISPID_CLICK, {test::VariantOf(event)});
+                                })});
+    EXPECT_EQ(opened, L"C:\\there");
+}
+
+TEST_F(Host, KeysGoToTheControlFirst) {
+    HRESULT answer = S_OK;
+    m_page.Browser.OnKey = [&](MSG*) { return answer; };
+    int dispatched = 0;
+    HOOK_IMPORT(dispatch, DispatchMessageW, [&](const MSG* message) -> LRESULT {
+        dispatched += message->message != WM_NULL ? 1 : 0;
+        return 0;
+    });
+    const auto post = [&](UINT message, HRESULT then) {
+        return [&, message, then] {
+            answer = then;
+            MSG posted = {};
+            posted.hwnd = m_dialog.m_hWnd;
+            posted.message = message;
+            posted.wParam = 'A';
+            return posted;
+        };
+    };
+    RunModal(m_dialog, m_page,
+             {post(WM_KEYDOWN, S_OK), Do([&] { EXPECT_EQ(dispatched, 0) << "it was used up"; }),
+              post(WM_MOUSEMOVE, S_OK), post(WM_TIMER, S_OK), post(WM_SYSKEYUP, S_OK), Do([&] {
+                  EXPECT_EQ(m_page.Browser.Keys, (std::vector<UINT>{WM_KEYDOWN, WM_SYSKEYUP}));
+              }),
+              [] {
+                  MSG elsewhere = {};
+                  elsewhere.message = WM_KEYDOWN;
+                  elsewhere.hwnd = GetDesktopWindow();
+                  return elsewhere;
+              },
+              Do([&] { EXPECT_EQ(m_page.Browser.Keys.size(), 2U); })});
+}
+
+TEST_F(Host, AltF4EndsThroughTheQuitMessage) {
+    // Without the help of RunModal, which takes quit messages away.
+    INT_PTR result = 0;
+    HOOK_IMPORT(create, CoCreateInstance,
+                [&](REFCLSID, IUnknown*, DWORD, REFIID iid, void** object) {
+                    return m_page.Browser.Query(iid, object);
+                });
+    m_page.Browser.OnNavigate = [&] { EXPECT_EQ(AskHost(WM_SYSKEYUP, VK_F4), S_OK); };
+    result = m_dialog.DoModal();
+    EXPECT_EQ(result, -1) << "neither OK nor cancel";
+    EXPECT_EQ(m_dialog.m_hWnd, nullptr);
+    MSG message = {};
+    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE))
+        << "for the loops outside";
+    EXPECT_EQ(message.wParam, 0U);
+}
+
+TEST_F(Host, TheControlFollowsTheWindow) {
+    RunModal(m_dialog, m_page, {Do([&] {
+                 RECT client = {};
+                 GetClientRect(m_dialog.m_hWnd, &client);
+                 ASSERT_FALSE(m_page.Browser.Rectangles.empty());
+                 EXPECT_TRUE(EqualRect(&m_page.Browser.Rectangles.back(), &client));
+                 SetWindowPos(m_dialog.m_hWnd, nullptr, 0, 0, 900, 950, SWP_NOMOVE | SWP_NOZORDER);
+                 RECT resized = {};
+                 GetClientRect(m_dialog.m_hWnd, &resized);
+                 EXPECT_FALSE(EqualRect(&client, &resized));
+                 EXPECT_TRUE(EqualRect(&m_page.Browser.Rectangles.back(), &resized));
+                 const std::size_t before = m_page.Browser.Rectangles.size();
+                 SendMessageW(m_dialog.m_hWnd, WM_SIZE, SIZE_MINIMIZED, 0);
+                 EXPECT_EQ(m_page.Browser.Rectangles.size(), before);
+             })});
+}
+
+TEST_F(Host, TheSiteOutlivesTheDialog) {
+    IOleClientSite* site = nullptr;
+    {
+        CkorcontrolcenterDlg dialog;
+        RunModal(dialog, m_page, {Do([&] {
+                     site = m_page.Browser.Site;
+                     site->AddRef();
+                 })});
+    }
+    ASSERT_NE(site, nullptr);
+    IOleInPlaceSite* place = nullptr;
+    IDocHostUIHandler* handler = nullptr;
+    ASSERT_EQ(site->QueryInterface(IID_PPV_ARGS(&place)), S_OK);
+    ASSERT_EQ(site->QueryInterface(IID_PPV_ARGS(&handler)), S_OK);
+    HWND window = GetDesktopWindow();
+    EXPECT_EQ(place->GetWindow(&window), E_FAIL);
+    EXPECT_EQ(window, nullptr);
+    DOCHOSTUIINFO info = {};
+    EXPECT_EQ(handler->GetHostInfo(&info), E_FAIL);
+    MSG key = {};
+    key.message = WM_KEYUP;
+    key.wParam = VK_F5;
+    EXPECT_EQ(handler->TranslateAccelerator(&key, nullptr, 0), S_FALSE);
+    handler->Release();
+    place->Release();
+    EXPECT_EQ(site->Release(), 0U);
+}
+
+TEST_F(Host, WithoutTheControlTheDialogIsEmpty) {
+    HOOK_IMPORT(create, CoCreateInstance,
+                [](REFCLSID, IUnknown*, DWORD, REFIID, void** object) -> HRESULT {
+                    *object = nullptr;
+                    return REGDB_E_CLASSNOTREG;
+                });
+    bool shown = false;
+    HOOK_IMPORT(get, GetMessageW, [&](MSG* message, HWND, UINT, UINT) -> BOOL {
+        shown = IsWindowVisible(m_dialog.m_hWnd) != FALSE;
+        SendMessageW(m_dialog.m_hWnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(100, 100));
+        SendMessageW(m_dialog.m_hWnd, WM_COMMAND, IDCANCEL, 0);
+        *message = {};
+        message->hwnd = m_dialog.m_hWnd;
+        message->message = WM_KEYDOWN;
+        return TRUE;
+    });
+    EXPECT_EQ(m_dialog.DoModal(), IDCANCEL);
+    EXPECT_TRUE(shown);
+}
+
+TEST_F(Host, TheParentIsDisabledMeanwhile) {
+    const HWND window = CreateWindowExW(0, L"STATIC", L"parent", WS_OVERLAPPEDWINDOW, 0, 0, 10, 10,
+                                        nullptr, nullptr, nullptr, nullptr);
+    CWnd parent;
+    parent.m_hWnd = window;
+    CkorcontrolcenterDlg dialog(&parent);
+    RunModal(dialog, m_page, {Do([&] {
+                 EXPECT_FALSE(IsWindowEnabled(window));
+                 EXPECT_EQ(GetWindow(dialog.m_hWnd, GW_OWNER), window);
+             })});
+    EXPECT_TRUE(IsWindowEnabled(window));
+    DestroyWindow(window);
+}
+
+} // namespace

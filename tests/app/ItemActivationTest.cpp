@@ -1,0 +1,352 @@
+// Hovering over items, clicking them and what the shell is asked for.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <shellapi.h>
+#include <shlobj.h>
+
+#include <memory>
+
+#include "app/CkorcontrolcenterDlg.h"
+#include "tests/app/ComFakes.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/TestInstallation.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class ItemActivation : public testing::Test {
+protected:
+    ItemActivation() {
+        m_element.Style = &m_style;
+        m_element.Log = &m_log;
+        m_style.Log = &m_log;
+    }
+
+    // Replaces the catalogue by one section for each key; item i of section s has the path
+    // "<s>:<i>" and the arguments "args".
+    void Fill(const std::vector<std::pair<const wchar_t*, int>>& sections) {
+        while (m_dialog.Sections.Count() > 0) {
+            delete m_dialog.Sections[m_dialog.Sections.Count() - 1];
+            m_dialog.Sections.RemoveLast();
+        }
+        for (const auto& [key, items] : sections) {
+            auto* const section = new ControlCenterSection(key, key);
+            const std::int64_t number = m_dialog.Sections.Count();
+            m_dialog.Sections.Add(section);
+            for (int i = 0; i < items; ++i) {
+                section->Add(
+                    new ControlCenterItem(section, L"label", L"", L"",
+                                          CKORString::Format(L"%d:%d", static_cast<int>(number), i),
+                                          ItemFolder, L"args"));
+            }
+        }
+    }
+
+    // The path that a click on an element with this id opens; empty when nothing is opened.
+    std::wstring Click(const std::optional<std::wstring>& id,
+                       const std::optional<std::wstring>& text = L"text") {
+        test::FakeElement element;
+        element.Id = id;
+        element.Text = text;
+        std::wstring opened;
+        int count = 0;
+        HOOK_IMPORT(execute, ShellExecuteW,
+                    [&](HWND, LPCWSTR, LPCWSTR file, LPCWSTR, LPCWSTR, INT) -> HINSTANCE {
+                        ++count;
+                        opened = file;
+                        return nullptr;
+                    });
+        EXPECT_EQ(m_dialog.OnItemClick(element.Element()), S_OK);
+        EXPECT_EQ(count, opened.empty() ? 0 : 1);
+        return opened;
+    }
+
+    test::TestInstallation m_installation;
+    Lines m_log;
+    test::FakeStyle m_style;
+    test::FakeElement m_element;
+    test::FakeElement m_other;
+    CkorcontrolcenterDlg m_dialog;
+};
+
+TEST_F(ItemActivation, HoveringSetsColorAndCursor) {
+    EXPECT_EQ(m_dialog.OnItemMouseOver(m_element.Element()), S_OK);
+    ASSERT_EQ(m_style.Colors.size(), 1U);
+    EXPECT_EQ(m_style.Colors[0].vt, VT_I4);
+    EXPECT_EQ(m_style.Colors[0].lVal, 0xFF0000);
+    EXPECT_EQ(m_style.Cursors, std::vector<std::wstring>{L"hand"});
+    EXPECT_EQ(m_log, (Lines{"color", "cursor"}));
+    EXPECT_EQ(m_style.References, 0);
+}
+
+TEST_F(ItemActivation, LeavingResetsTheColorOnly) {
+    EXPECT_EQ(m_dialog.OnItemMouseOut(m_element.Element()), S_OK);
+    ASSERT_EQ(m_style.Colors.size(), 1U);
+    EXPECT_EQ(m_style.Colors[0].vt, VT_I4);
+    EXPECT_EQ(m_style.Colors[0].lVal, 0x0000FF);
+    EXPECT_EQ(m_log, (Lines{"color"})) << "the cursor stays";
+    EXPECT_EQ(m_style.References, 0);
+}
+
+TEST_F(ItemActivation, OneReferenceToTheHoveredElementIsHeld) {
+    m_dialog.OnItemMouseOver(m_element.Element());
+    EXPECT_EQ(m_element.References, 1);
+    m_dialog.OnItemMouseOver(m_element.Element());
+    EXPECT_EQ(m_element.References, 1) << "it is the hovered one already";
+    m_dialog.OnItemMouseOver(m_other.Element());
+    EXPECT_EQ(m_element.References, 0);
+    EXPECT_EQ(m_other.References, 1);
+    m_dialog.OnItemMouseOut(m_element.Element());
+    EXPECT_EQ(m_other.References, 0) << "whichever element is left";
+    m_dialog.OnItemMouseOut(m_element.Element());
+    EXPECT_EQ(m_element.References, 0);
+    EXPECT_EQ(m_other.References, 0);
+}
+
+TEST_F(ItemActivation, AnElementWithoutStyleIsHoveredToo) {
+    m_element.Style = nullptr;
+    EXPECT_EQ(m_dialog.OnItemMouseOver(m_element.Element()), S_OK);
+    EXPECT_EQ(m_element.References, 1);
+    EXPECT_EQ(m_dialog.OnItemMouseOut(m_element.Element()), S_OK);
+    EXPECT_EQ(m_element.References, 0);
+    EXPECT_TRUE(m_log.empty());
+}
+
+TEST_F(ItemActivation, TheDialogsEndReleasesTheHoveredElement) {
+    auto dialog = std::make_unique<CkorcontrolcenterDlg>();
+    dialog->OnItemMouseOver(m_element.Element());
+    ASSERT_EQ(m_element.References, 1);
+    dialog.reset();
+    EXPECT_EQ(m_element.References, 0);
+}
+
+struct ClickCase {
+    const wchar_t* id;
+    const wchar_t* opened;
+};
+
+TEST_F(ItemActivation, TheIdNamesTheItem) {
+    Fill({{L"KOR", 3}, {L"A_B", 4}, {L"TOOLS", 2}, {L"tools", 5}, {L"", 1}, {L"EMPTY", 0}});
+    const ClickCase cases[] = {
+        {L"KOR_2", L"0:2"},
+        {L"kor_0", L"0:0"}, // in any case
+        {L"KoR_1", L"0:1"},
+        {L"A_B_3", L"1:3"}, // at the last '_'
+        {L"KOR_x", L"0:0"}, // no number is 0
+        {L"KOR_", L"0:0"},
+        {L"KOR_ 2", L"0:2"},
+        {L"KOR_1x", L"0:1"},
+        {L"KOR_+2", L"0:2"},
+        {L"TOOLS_1", L"2:1"},
+        {L"TOOLS_4", L"3:4"}, // the first section of the key has too few
+        {L"TOOLS_5", L""},
+        {L"_0", L"4:0"},
+        {L"KOR_3", L""},
+        {L"KOR_-1", L""},
+        {L"KOR_-2", L""},
+        {L"KOR_2147483647", L""},
+        {L"KOR_99999999999999999999", L""},
+        {L"EMPTY_0", L""},
+        {L"NONE_0", L""},
+        {L"KOR2", L""},
+        {L"KOR", L""},
+        {L"", L""},
+    };
+    for (const ClickCase& c : cases) {
+        EXPECT_EQ(Click(c.id), c.opened) << testing::PrintToString(std::wstring(c.id));
+    }
+}
+
+TEST_F(ItemActivation, ABlankInTheKeyIsNeverMatched) {
+    Fill({{L"A B", 1}});
+    EXPECT_STREQ((*m_dialog.Sections[0])[0]->Id.Text(), L"A-B_0");
+    EXPECT_EQ(Click(L"A-B_0"), L"") << "the id has '-' where the key has a blank: intended";
+}
+
+TEST_F(ItemActivation, APlaceWithoutAnItemIsPassedOver) {
+    Fill({{L"K", 1}, {L"K", 1}});
+    ControlCenterSection& section = *m_dialog.Sections[0];
+    delete section[0];
+    section[0] = nullptr;
+    EXPECT_EQ(Click(L"K_0"), L"1:0");
+}
+
+TEST_F(ItemActivation, AnEmptyPathLaunchesNothing) {
+    Fill({{L"K", 1}});
+    (*m_dialog.Sections[0])[0]->Path = L"";
+    EXPECT_EQ(Click(L"K_0"), L"");
+}
+
+TEST_F(ItemActivation, AnElementWithoutIdOrTextIsIgnored) {
+    Fill({{L"K", 1}});
+    EXPECT_EQ(Click(std::nullopt), L"");
+    EXPECT_EQ(Click(L"K_0", std::nullopt), L"");
+    EXPECT_EQ(Click(std::nullopt, std::nullopt), L"");
+    EXPECT_EQ(Click(L"K_0", L""), L"0:0") << "an empty text is one";
+}
+
+TEST_F(ItemActivation, TheTextsOfAnElementAreFreed) {
+    Fill({{L"K", 1}});
+    int allocated = 0;
+    int freed = 0;
+    HOOK_IMPORT(allocate, SysAllocString, [&](const OLECHAR* text) {
+        ++allocated;
+        return allocate.Original(text);
+    });
+    HOOK_IMPORT(free, SysFreeString, [&](BSTR text) {
+        freed += text != nullptr ? 1 : 0;
+        free.Original(text);
+    });
+    Click(L"K_0");
+    EXPECT_EQ(allocated, 2);
+    EXPECT_EQ(freed, 2);
+    Click(L"K_0", std::nullopt);
+    EXPECT_EQ(allocated, 3);
+    EXPECT_EQ(freed, 3);
+}
+
+TEST_F(ItemActivation, AClickPassesPathArgumentsAndType) {
+    Fill({{L"K", 1}});
+    ControlCenterItem& item = *(*m_dialog.Sections[0])[0];
+    item.Type = ItemHelpTopic;
+    item.Path = L"C:\\a b\\help.chm";
+    item.Arguments = L"::/topic.htm";
+    std::wstring parameters;
+    HOOK_IMPORT(execute, ShellExecuteW,
+                [&](HWND, LPCWSTR, LPCWSTR, LPCWSTR given, LPCWSTR, INT) -> HINSTANCE {
+                    parameters = given;
+                    return nullptr;
+                });
+    test::FakeElement element;
+    element.Id = L"K_0";
+    element.Text = L"";
+    m_dialog.OnItemClick(element.Element());
+    EXPECT_EQ(parameters, L"C:\\a b\\help.chm::/topic.htm");
+}
+
+struct OpenCase {
+    int type;
+    const wchar_t* file;
+    const wchar_t* parameters;
+};
+
+TEST_F(ItemActivation, FoldersDocumentsAndTopicsAreOpened) {
+    const OpenCase cases[] = {
+        {ItemFolder, L"C:\\x.chm", nullptr}, // the arguments are not passed: intended
+        {ItemDocument, L"C:\\x.chm", nullptr},
+        {ItemHelpTopic, L"hh.exe", L"C:\\x.chm::/t"},
+    };
+    for (const OpenCase& c : cases) {
+        SCOPED_TRACE(c.type);
+        int calls = 0;
+        HOOK_IMPORT(execute, ShellExecuteW,
+                    [&](HWND owner, LPCWSTR verb, LPCWSTR file, LPCWSTR parameters,
+                        LPCWSTR directory, INT show) -> HINSTANCE {
+                        ++calls;
+                        EXPECT_EQ(owner, nullptr);
+                        EXPECT_EQ(verb, nullptr);
+                        EXPECT_STREQ(file, c.file);
+                        EXPECT_STREQ(parameters, c.parameters);
+                        EXPECT_EQ(directory, nullptr);
+                        EXPECT_EQ(show, 1);
+                        return nullptr; // a failure: not reported
+                    });
+        HOOK_IMPORT(box, MessageBoxW, [](HWND, LPCWSTR, LPCWSTR, UINT) -> int {
+            ADD_FAILURE() << "the shell's failure is not reported";
+            return 0;
+        });
+        m_dialog.LaunchItem(L"C:\\x.chm", L"::/t", c.type);
+        EXPECT_EQ(calls, 1);
+    }
+}
+
+struct StartCase {
+    int type;
+    BOOL isAdministrator;
+    const wchar_t* verb;
+};
+
+TEST_F(ItemActivation, ProgramsAreStartedWithTheirArguments) {
+    const StartCase cases[] = {
+        {ItemProgram, FALSE, nullptr},        {ItemProgram, TRUE, nullptr},
+        {ItemElevatedProgram, TRUE, nullptr}, {ItemElevatedProgram, FALSE, L"runas"},
+        {ItemElevatedProgram, 2, L"runas"}, // only TRUE itself counts
+    };
+    for (const StartCase& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.type) + " " +
+                     testing::PrintToString(c.isAdministrator));
+        int calls = 0;
+        HOOK_IMPORT(admin, IsUserAnAdmin, [&]() { return c.isAdministrator; });
+        HOOK_IMPORT(execute, ShellExecuteExW, [&](SHELLEXECUTEINFOW* start) -> BOOL {
+            ++calls;
+            EXPECT_EQ(start->cbSize, 112U);
+            EXPECT_EQ(start->fMask, 0x40U);
+            EXPECT_EQ(start->hwnd, nullptr);
+            EXPECT_STREQ(start->lpVerb, c.verb);
+            EXPECT_STREQ(start->lpFile, L"C:\\p.exe");
+            EXPECT_STREQ(start->lpParameters, L"-a \"b c\"");
+            EXPECT_EQ(start->lpDirectory, nullptr);
+            EXPECT_EQ(start->nShow, 1);
+            EXPECT_EQ(start->hInstApp, nullptr);
+            EXPECT_EQ(start->lpIDList, nullptr);
+            EXPECT_EQ(start->lpClass, nullptr);
+            EXPECT_EQ(start->hkeyClass, nullptr);
+            EXPECT_EQ(start->dwHotKey, 0U);
+            EXPECT_EQ(start->hProcess, nullptr);
+            return FALSE;
+        });
+        m_dialog.LaunchItem(L"C:\\p.exe", L"-a \"b c\"", c.type);
+        EXPECT_EQ(calls, 1);
+    }
+}
+
+TEST_F(ItemActivation, ElevationIsAskedForOnRequestOnly) {
+    BOOL started = TRUE;
+    std::wstring verb;
+    HOOK_IMPORT(admin, IsUserAnAdmin, []() -> BOOL { return FALSE; });
+    HOOK_IMPORT(execute, ShellExecuteExW, [&](SHELLEXECUTEINFOW* start) -> BOOL {
+        verb = start->lpVerb != nullptr ? start->lpVerb : L"";
+        return started;
+    });
+    EXPECT_TRUE(m_dialog.ShellExecuteElevated(L"p", L"", false));
+    EXPECT_EQ(verb, L"");
+    EXPECT_TRUE(m_dialog.ShellExecuteElevated(L"p", L"", true));
+    EXPECT_EQ(verb, L"runas");
+    started = FALSE;
+    EXPECT_FALSE(m_dialog.ShellExecuteElevated(L"p", L"", true));
+}
+
+TEST_F(ItemActivation, TheProcessHandleStaysOpen) {
+    const HANDLE process = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    ASSERT_NE(process, nullptr);
+    HOOK_IMPORT(execute, ShellExecuteExW, [&](SHELLEXECUTEINFOW* start) -> BOOL {
+        start->hProcess = process;
+        return TRUE;
+    });
+    m_dialog.LaunchItem(L"p", L"", ItemProgram);
+    m_dialog.LaunchItem(L"p", L"", ItemElevatedProgram);
+    EXPECT_TRUE(CloseHandle(process)) << "nobody closed it before";
+}
+
+TEST_F(ItemActivation, AnUnknownTypeIsReported) {
+    for (const int type : {5, 7, -1}) {
+        int boxes = 0;
+        m_dialog.m_hWnd = reinterpret_cast<HWND>(0x1234);
+        HOOK_IMPORT(box, MessageBoxW,
+                    [&](HWND owner, LPCWSTR text, LPCWSTR caption, UINT style) -> int {
+                        ++boxes;
+                        EXPECT_EQ(owner, reinterpret_cast<HWND>(0x1234));
+                        EXPECT_STREQ(text, L"This item has an invalid type.");
+                        EXPECT_STREQ(caption, L"Invalid item type");
+                        EXPECT_EQ(style, 0U);
+                        return IDOK;
+                    });
+        m_dialog.LaunchItem(L"p", L"", type);
+        m_dialog.m_hWnd = nullptr;
+        EXPECT_EQ(boxes, 1);
+    }
+}
+
+} // namespace

@@ -1,0 +1,96 @@
+// The program's start, in its order.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "app/CkorcontrolcenterApp.h"
+#include "tests/app/ModalRun.h"
+#include "tests/support/TestInstallation.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// One line for each call; several openings of registry keys in a row are one.
+class StartUp : public testing::Test {
+protected:
+    void Record(const std::string& line) {
+        if (line != "registry" || m_calls.empty() || m_calls.back() != line) {
+            m_calls.push_back(line);
+        }
+    }
+
+    test::TestInstallation m_installation;
+    test::FakePage m_page;
+    Lines m_calls;
+};
+
+TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
+    HOOK_IMPORT(controls, InitCommonControlsEx, [&](const INITCOMMONCONTROLSEX* what) -> BOOL {
+        EXPECT_EQ(what->dwSize, 8U);
+        EXPECT_EQ(what->dwICC, 0xFFU);
+        Record("common controls");
+        return TRUE;
+    });
+    HOOK_IMPORT(icon, LoadIconW, [&](HINSTANCE module, LPCWSTR name) {
+        EXPECT_EQ(name, MAKEINTRESOURCEW(134));
+        Record("icon");
+        return icon.Original(module, name);
+    });
+    HOOK_IMPORT(area, SystemParametersInfoW, [&](UINT what, UINT w, PVOID out, UINT flags) {
+        Record("parameter " + std::to_string(what));
+        return area.Original(what, w, out, flags);
+    });
+    HOOK_IMPORT(metrics, GetSystemMetrics, [&](int index) {
+        Record("metric " + std::to_string(index));
+        return metrics.Original(index);
+    });
+    HOOK_IMPORT(context, GetDC, [&](HWND window) {
+        Record("screen");
+        return context.Original(window);
+    });
+    HOOK_IMPORT(open, RegOpenKeyExW,
+                [&](HKEY root, LPCWSTR path, DWORD options, REGSAM rights, PHKEY key) {
+                    Record("registry");
+                    return open.Original(root, path, options, rights, key);
+                });
+    HOOK_IMPORT(create, CreateDialogParamW,
+                [&](HINSTANCE module, LPCWSTR name, HWND parent, DLGPROC procedure, LPARAM param) {
+                    EXPECT_EQ(name, MAKEINTRESOURCEW(102));
+                    EXPECT_EQ(parent, nullptr);
+                    EXPECT_STREQ(theApp.m_pszRegistryKey, L"KOR Control Center");
+                    Record("dialog");
+                    return create.Original(module, name, parent, procedure, param);
+                });
+    bool ran = false;
+    const INT_PTR result =
+        test::RunModal(m_page, {test::Do([&] {
+                           ran = true;
+                           ASSERT_NE(theApp.m_pMainWnd, nullptr);
+                           EXPECT_TRUE(IsWindowVisible(theApp.m_pMainWnd->m_hWnd));
+                       })},
+                       [] { return INT_PTR{theApp.InitInstance()}; });
+    EXPECT_EQ(result, FALSE);
+    EXPECT_TRUE(ran);
+    EXPECT_EQ(theApp.m_pMainWnd, nullptr) << "the dialog is gone";
+    EXPECT_EQ(m_calls,
+              (Lines{"common controls", "icon", "parameter 48", "metric 7", "metric 8", "metric 3",
+                     "metric 2", "metric 15", "screen", "registry", "dialog"}));
+}
+
+TEST_F(StartUp, ClosingTheDialogEndsIt) {
+    const INT_PTR result = test::RunModal(
+        m_page,
+        {test::Do([] { SendMessageW(theApp.m_pMainWnd->m_hWnd, WM_COMMAND, IDCANCEL, 0); })},
+        [] { return INT_PTR{theApp.InitInstance()}; });
+    EXPECT_EQ(result, FALSE) << "as with every other end";
+}
+
+TEST_F(StartUp, WithoutAWindowItEndsToo) {
+    HOOK_IMPORT(create, CreateDialogParamW,
+                [](HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM) -> HWND { return nullptr; });
+    EXPECT_EQ(theApp.InitInstance(), FALSE);
+}
+
+} // namespace

@@ -48,7 +48,9 @@ CKORString::CKORString(const CKORString& other) : CTable1D<wchar_t>() {
     }
     CKORString::SetSize((other.m_count + 31) & ~std::int64_t{31}, false);
     m_count = other.m_count;
-    wcscpy_s(m_data, AsSize(m_count), other.m_data);
+    // All places: behind a null within the text nothing would be copied by a text copy, and the
+    // terminator at the end would be missing.
+    std::copy_n(other.m_data, m_count, m_data);
 }
 
 bool CKORString::IsOwnText(const wchar_t* text) const {

@@ -35,7 +35,7 @@ public:
     CKORString& operator+=(const CKORString& other);
 
     // printf rules of the C runtime's wide functions (%s is wide). A format error leaves the count
-    // at 0.
+    // at 0. No argument may lie in the string itself.
     CKORString& FormatV(const wchar_t* format, va_list arguments);
     static CKORString Format(const wchar_t* format, ...);
 

@@ -49,6 +49,22 @@ TEST(CKORString, CopyingRoundsTheCapacityUpTo32) {
     ExpectString(CKORString(thirtyOne), thirtyOne.Text(), 32);
 }
 
+// A buffer that a system call filled only in part, for instance.
+TEST(CKORString, WhatLiesBehindANullWithinTheTextIsCopiedToo) {
+    CKORString text(L"a;b;c");
+    text[1] = L'\0';
+    const CKORString copy(text);
+    EXPECT_EQ(copy.Count(), 6);
+    for (std::int64_t i = 0; i < copy.Count(); ++i) {
+        EXPECT_EQ(copy[i], text[i]) << i;
+    }
+    const CTable1D<CKORString> tokens = text.Split(CKORString(L";"));
+    ASSERT_EQ(tokens.Count(), 3) << "a null ends a token as a delimiter does";
+    EXPECT_EQ(tokens[0], L"a");
+    EXPECT_EQ(tokens[1], L"b");
+    EXPECT_EQ(tokens[2], L"c");
+}
+
 TEST(CKORString, AStringWithoutStorageIsEmptyAndSoIsItsCopy) {
     CKORString text(L"abc");
     text.SetSize(0, true);
@@ -169,12 +185,45 @@ TEST(CKORString, FormatsWithTheExactCount) {
     EXPECT_EQ(CKORString::Format(L""), L"");
 }
 
+CKORString& FormatInto(CKORString& target, const wchar_t* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    CKORString& result = target.FormatV(format, arguments);
+    va_end(arguments);
+    return result;
+}
+
+TEST(CKORString, FormattingReplacesTheTextAndKeepsTheStorageThatSuffices) {
+    CKORString exact(L"abc");
+    EXPECT_EQ(&FormatInto(exact, L"%d", 1234), &exact);
+    ExpectString(exact, L"1234", 5);
+    FormatInto(exact, L"%c", L'x');
+    ExpectString(exact, L"x", 5);
+    FormatInto(exact, L"%d", 5678);
+    ExpectString(exact, L"5678", 5);
+
+    CKORString inSteps;
+    FormatInto(inSteps, L"%s", FortyCharacters);
+    ExpectString(inSteps, FortyCharacters, 64);
+
+    CKORString withoutStorage(L"x");
+    withoutStorage.SetSize(0, true);
+    FormatInto(withoutStorage, L"%u", 0xFFFFFFFFU);
+    ExpectString(withoutStorage, L"4294967295", 11);
+}
+
 TEST(CKORString, AFormatErrorLeavesACountOfZero) {
     HOOK_IMPORT(count, _vscwprintf, [](const wchar_t*, va_list) { return -1; });
-    const CKORString text = CKORString::Format(L"%s", L"x");
+    CKORString text = CKORString::Format(L"%s", L"x");
     EXPECT_EQ(text.Count(), 0);
     EXPECT_EQ(text.Length(), 0);
     EXPECT_STREQ(text.Text(), L"");
+    // It can be used on.
+    text += L"abc";
+    EXPECT_EQ(text, L"abc");
+    FormatInto(text, L"%s", L"x");
+    text += CKORString(L"de");
+    EXPECT_EQ(text, L"de");
 }
 
 TEST(CKORString, MidAndLeftTakeTheExactSize) {
@@ -223,6 +272,17 @@ TEST(CKORString, SplitReservesThePiecesThatBeginBeforeTheEnd) {
     EXPECT_EQ(CKORString(L"a;b;c").Split(CKORString(L";")).Capacity(), 3);
     EXPECT_EQ(CKORString(L"a;").Split(CKORString(L";")).Capacity(), 2)
         << "one place reserved, the empty last token grows the table by one";
+}
+
+TEST(CKORString, AMovedStringIsLeftWithoutStorageAndUsable) {
+    CKORString from(L"abc");
+    const wchar_t* const storage = from.Text();
+    CKORString to(std::move(from));
+    EXPECT_EQ(to.Text(), storage);
+    EXPECT_EQ(from.Count(), 0); // NOLINT(bugprone-use-after-move): its state is promised
+    EXPECT_STREQ(from.Text(), L"");
+    from += L"d";
+    ExpectString(from, L"d", 2);
 }
 
 TEST(CKORString, ReleasesWhatItTook) {

@@ -104,6 +104,14 @@ TEST(CTable1D, SetSizeBelowOneFreesTheStorageAndResetsTheStep) {
     }
 }
 
+TEST(CTable1D, SetSizeBelowOneOfAnEmptyTableLeavesItEmpty) {
+    Table table;
+    table.SetSize(-5, true);
+    EXPECT_EQ(table.Data(), nullptr);
+    EXPECT_EQ(table.Count(), 0);
+    EXPECT_EQ(table.Capacity(), 0);
+}
+
 TEST(CTable1D, SetSizeKeepsTheFirstElementsOnRequest) {
     CTable1D<CKORString> table;
     table.Add(CKORString(L"a"));
@@ -160,6 +168,61 @@ TEST(CTable1D, MovingHandsTheStorageOver) {
     other.Add(2);
     other = std::move(to);
     EXPECT_EQ(other.Data(), storage);
+}
+
+TEST(CTable1D, AMovedFromTableStartsAnew) {
+    Table from;
+    from.GrowBy = 9;
+    from.InitialGrowBy = 2;
+    from.GrowthFactor = 3;
+    from.Add(1);
+    Table to(std::move(from));
+    EXPECT_EQ(to.GrowBy, 9);
+    EXPECT_EQ(to.InitialGrowBy, 2);
+    EXPECT_EQ(to.GrowthFactor, 3);
+    EXPECT_EQ(from.Count(), 0); // NOLINT(bugprone-use-after-move): its state is promised
+    EXPECT_EQ(from.GrowBy, 2) << "as after it was emptied";
+    from.Add(5);
+    EXPECT_EQ(from.Capacity(), 2);
+    EXPECT_EQ(from[0], 5);
+    Table& alias = to;
+    to = std::move(alias);
+    EXPECT_EQ(to.Count(), 1) << "moving a table to itself changes nothing";
+    EXPECT_EQ(to[0], 1);
+}
+
+// Says when it is deleted.
+struct Noted {
+    Noted(std::string& deleted, char name) : m_deleted(deleted), m_name(name) {}
+    Noted(const Noted&) = delete;
+    Noted& operator=(const Noted&) = delete;
+    ~Noted() { m_deleted += m_name; }
+
+private:
+    std::string& m_deleted;
+    char m_name;
+};
+
+TEST(CTable1D, PointedToObjectsAreTheOwnersToDelete) {
+    std::string deleted;
+    {
+        CTable1D<Noted*> table;
+        for (const char name : {'a', 'b', 'c'}) {
+            table.Add(new Noted(deleted, name));
+        }
+        const CTable1D<Noted*> moved(std::move(table));
+        CTable1D<Noted*> owner;
+        for (Noted* const object : moved) {
+            owner.Add(object);
+        }
+        owner.SetSize(4, true);
+        owner[3] = new Noted(deleted, 'd');
+        EXPECT_EQ(deleted, "") << "no table deletes what its pointers point to";
+        DeleteAll(owner);
+        EXPECT_EQ(deleted, "dcba") << "the last one first";
+        EXPECT_EQ(owner.Count(), 0);
+    }
+    EXPECT_EQ(deleted, "dcba");
 }
 
 TEST(CTable1D, ReleasesEveryElement) {

@@ -128,6 +128,16 @@ TEST(CTable1D, SetSizeKeepsTheFirstElementsOnRequest) {
     EXPECT_EQ(table[1], L"");
 }
 
+TEST(CTable1D, ARemovedElementIsNotKept) {
+    CTable1D<CKORString> table;
+    table.Add(CKORString(L"a"));
+    table.Add(CKORString(L"b"));
+    table.RemoveLast();
+    table.SetSize(3, true);
+    EXPECT_EQ(table[0], L"a");
+    EXPECT_EQ(table[1], L"");
+}
+
 TEST(CTable1D, ReserveKeepsElementsAndCount) {
     Table table;
     table.Add(4);
@@ -233,6 +243,8 @@ TEST(CTable1D, ReleasesEveryElement) {
             table.Add(CKORString(L"text"));
         }
         table.SetSize(5, true);
+        table.RemoveLast();
+        EXPECT_EQ(table.Capacity(), 5) << "the place behind the count is released too";
     }
     EXPECT_EQ(test::LiveBlocks(), before);
 }

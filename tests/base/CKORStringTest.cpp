@@ -49,6 +49,16 @@ TEST(CKORString, CopyingRoundsTheCapacityUpTo32) {
     ExpectString(CKORString(thirtyOne), thirtyOne.Text(), 32);
 }
 
+TEST(CKORString, ACopyGrowsInStepsOf32EvenAfterItWasEmptied) {
+    const CKORString three(L"abc");
+    CKORString copy(three);
+    copy += FortyCharacters;
+    EXPECT_EQ(copy.Capacity(), 64);
+    copy.SetSize(0, true);
+    copy += L"a";
+    ExpectString(copy, L"a", 32);
+}
+
 // A buffer that a system call filled only in part, for instance.
 TEST(CKORString, WhatLiesBehindANullWithinTheTextIsCopiedToo) {
     CKORString text(L"a;b;c");
@@ -214,11 +224,20 @@ TEST(CKORString, FormattingReplacesTheTextAndKeepsTheStorageThatSuffices) {
 
 TEST(CKORString, AFormatErrorLeavesACountOfZero) {
     HOOK_IMPORT(count, _vscwprintf, [](const wchar_t*, va_list) { return -1; });
+    // A buffer of no places would end the process there.
+    const test::ImportHook<struct WriteTag,
+                           int(WINAPI*)(wchar_t*, std::size_t, const wchar_t*, va_list)>
+        write("vswprintf_s", [](wchar_t*, std::size_t, const wchar_t*, va_list) {
+            ADD_FAILURE() << "nothing may be written";
+            return -1;
+        });
     CKORString text = CKORString::Format(L"%s", L"x");
     EXPECT_EQ(text.Count(), 0);
     EXPECT_EQ(text.Length(), 0);
     EXPECT_STREQ(text.Text(), L"");
-    // It can be used on.
+    // It can be used on, whatever its storage still holds.
+    text = L"old";
+    FormatInto(text, L"%s", L"x");
     text += L"abc";
     EXPECT_EQ(text, L"abc");
     FormatInto(text, L"%s", L"x");

@@ -14,9 +14,24 @@
 namespace {
 
 constexpr wchar_t DebugSettingsKey[] = L"Settings\\Debug";
+
+struct DebugRoot {
+    SymbolicRootId id;
+    SettingSource source;
+};
+
 // The current user's setting overrides the machine's.
-constexpr SymbolicRootId RootsInOrder[] = {SymbolicRootId::CurrentUserRuntime,
-                                           SymbolicRootId::LocalMachineRuntime};
+constexpr DebugRoot RootsInOrder[] = {
+    {SymbolicRootId::CurrentUserRuntime, SettingSource::DebugUser},
+    {SymbolicRootId::LocalMachineRuntime, SettingSource::DebugMachine}};
+
+using Steps = CTable1D<SettingStep>;
+
+void Note(Steps* steps, const SettingStep& step) {
+    if (steps != nullptr) {
+        steps->Add(step);
+    }
+}
 
 // What is asked before and after the environment variable of the name; null where there is nothing.
 struct SourceChain {
@@ -38,15 +53,6 @@ const SourceChain& ChainOf(const wchar_t* name) {
         std::find_if(std::begin(Chains), std::end(Chains),
                      [&](const SourceChain& chain) { return _wcsicmp(chain.name, name) == 0; });
     return found != std::end(Chains) ? *found : VariableAlone;
-}
-
-bool ReadFolderSetting(const wchar_t* setting, CKORString& result) {
-    CKORString folder;
-    if (!ReadDebugSetting(setting, folder, false) || !IsExistingDirectory(folder.Text())) {
-        return false;
-    }
-    result = folder;
-    return true;
 }
 
 // The variable may change between the two calls. One that became shorter is taken as it now is,
@@ -89,27 +95,63 @@ bool ReadValue(CRegistryKey& key, const CKORString& name, CKORString& result, bo
     return true;
 }
 
-} // namespace
-
-bool QueryEnvironmentSetting(const wchar_t* name, CKORString& result) {
-    const SourceChain& chain = ChainOf(name);
-    return (chain.folderSetting != nullptr && ReadFolderSetting(chain.folderSetting, result)) ||
-           (chain.preferredVariable != nullptr &&
-            QueryEnvironmentSetting(chain.preferredVariable, result)) ||
-           ReadVariable(name, result) ||
-           (chain.lastResort != nullptr && QueryEnvironmentSetting(chain.lastResort, result));
-}
-
-bool ReadDebugSetting(const wchar_t* name, CKORString& result, bool asNumber) {
+bool ReadDebugSetting(const wchar_t* name, CKORString& result, bool asNumber, Steps* steps) {
     CKORString keyPath(DebugSettingsKey);
     const wchar_t* valueName = name;
     if (const wchar_t* const separator = std::wcsrchr(name, L'\\'); separator != nullptr) {
         valueName = separator + 1;
         AppendPathPiece(keyPath, CKORString(name).Left(separator - name));
     }
-    return std::any_of(std::begin(RootsInOrder), std::end(RootsInOrder), [&](SymbolicRootId root) {
-        CRegistryKey key;
-        return key.OpenSymbolic(root, keyPath, false) && key.ValueExists(valueName) &&
-               ReadValue(key, valueName, result, asNumber);
-    });
+    return std::any_of(
+        std::begin(RootsInOrder), std::end(RootsInOrder), [&](const DebugRoot& root) {
+            CRegistryKey key;
+            const bool isRead = key.OpenSymbolic(root.id, keyPath, false) &&
+                                key.ValueExists(valueName) &&
+                                ReadValue(key, valueName, result, asNumber);
+            Note(steps, {root.source, name, isRead, isRead ? result : CKORString(), isRead});
+            return isRead;
+        });
+}
+
+bool ReadFolderSetting(const wchar_t* setting, CKORString& result, Steps* steps) {
+    CKORString folder;
+    if (!ReadDebugSetting(setting, folder, false, steps)) {
+        return false;
+    }
+    if (!IsExistingDirectory(folder.Text())) {
+        if (steps != nullptr) {
+            (*steps)[steps->Count() - 1].IsAnswer = false;
+        }
+        return false;
+    }
+    result = folder;
+    return true;
+}
+
+bool ReadVariable(const wchar_t* name, CKORString& result, Steps* steps) {
+    const bool isSet = ReadVariable(name, result);
+    Note(steps, {SettingSource::Environment, name, isSet, isSet ? result : CKORString(), isSet});
+    return isSet;
+}
+
+} // namespace
+
+bool QueryEnvironmentSetting(const wchar_t* name, CKORString& result,
+                             CTable1D<SettingStep>* steps) {
+    const SourceChain& chain = ChainOf(name);
+    return (chain.folderSetting != nullptr &&
+            ReadFolderSetting(chain.folderSetting, result, steps)) ||
+           (chain.preferredVariable != nullptr &&
+            QueryEnvironmentSetting(chain.preferredVariable, result, steps)) ||
+           ReadVariable(name, result, steps) ||
+           (chain.lastResort != nullptr &&
+            QueryEnvironmentSetting(chain.lastResort, result, steps));
+}
+
+bool QueryEnvironmentSetting(const wchar_t* name, CKORString& result) {
+    return QueryEnvironmentSetting(name, result, nullptr);
+}
+
+bool ReadDebugSetting(const wchar_t* name, CKORString& result, bool asNumber) {
+    return ReadDebugSetting(name, result, asNumber, nullptr);
 }

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tests/env/SettingsSandbox.h"
 #include "tests/env/TempFolder.h"
@@ -353,6 +354,53 @@ TEST_F(FolderSettings, AUserValueThatCannotBeReadGivesWayToTheMachines) {
     CKORString result;
     EXPECT_TRUE(ReadDebugSetting(L"Name", result, false));
     EXPECT_EQ(result, L"machine");
+}
+
+// --- The sources that were asked. ---
+
+struct Step {
+    SettingSource source;
+    std::wstring name;
+    bool isFound;
+    std::wstring value;
+    bool isAnswer;
+};
+
+void ExpectSteps(const wchar_t* name, const std::vector<Step>& expected) {
+    CKORString result;
+    CTable1D<SettingStep> steps;
+    QueryEnvironmentSetting(name, result, &steps);
+    ASSERT_EQ(steps.Count(), static_cast<std::int64_t>(expected.size()));
+    for (std::int64_t i = 0; i < steps.Count(); ++i) {
+        const Step& step = expected[static_cast<std::size_t>(i)];
+        SCOPED_TRACE(i);
+        EXPECT_EQ(steps[i].Source, step.source);
+        EXPECT_EQ(steps[i].Name, step.name.c_str());
+        EXPECT_EQ(steps[i].IsFound, step.isFound);
+        EXPECT_EQ(steps[i].Value, step.value.c_str());
+        EXPECT_EQ(steps[i].IsAnswer, step.isAnswer);
+    }
+}
+
+TEST_F(FolderSettings, NoteTheSourcesThatWereAsked) {
+    constexpr SettingSource User = SettingSource::DebugUser;
+    constexpr SettingSource Machine = SettingSource::DebugMachine;
+    constexpr SettingSource Variable = SettingSource::Environment;
+    SetEnvironmentVariableW(L"TEMP", L"variable");
+    ExpectSteps(L"TraceFolder", {{User, L"TraceFolder", false, L"", false},
+                                 {Machine, L"TraceFolder", false, L"", false},
+                                 {Variable, L"TraceFolder", false, L"", false},
+                                 {User, L"TempFolder", false, L"", false},
+                                 {Machine, L"TempFolder", false, L"", false},
+                                 {Variable, L"TEMP", true, L"variable", true}});
+    m_sandbox.SetMachine(L"TempFolder", std::wstring(L"C:\\"));
+    ExpectSteps(L"TEMP", {{User, L"TempFolder", false, L"", false},
+                          {Machine, L"TempFolder", true, L"C:\\", true}});
+    m_sandbox.SetUser(L"TempFolder", std::wstring(L"gone"));
+    ExpectSteps(L"TEMP", {{User, L"TempFolder", true, L"gone", false},
+                          {Variable, L"TEMP", true, L"variable", true}});
+    ExpectSteps(L"KOR_PATH", {{Variable, L"KOR_PATH64", false, L"", false},
+                              {Variable, L"KOR_PATH", false, L"", false}});
 }
 
 } // namespace

@@ -28,6 +28,10 @@
 #include "registry/RegValueType.h"
 #include "registry/SymbolicRoots.h"
 
+// What GetFullName gives for a key that was opened by the path in the layout, whether or not there
+// is such a key; empty for an unknown root.
+CKORString ResolvedName(const CKORString& path, bool rtxLayout);
+
 class CRegistryKey {
 public:
     CRegistryKey();
@@ -98,6 +102,8 @@ public:
 
     // type is Unknown after a value of a type that the layer does not know, which is a failure.
     static bool GetValueType(HKEY handle, const CKORString& name, RegValueType& type);
+    // Of a value in this key.
+    bool GetValueType(const CKORString& name, RegValueType& type) const;
     // One read into the caller's buffer; size is in bytes. Writes a trace line to standard output
     // when type is Binary on entry.
     static bool QueryValueTraced(HKEY handle, const CKORString& name, RegValueType& type,

@@ -22,6 +22,26 @@ SplitPath SplitAtFirstBackslash(const CKORString& path) {
 
 } // namespace
 
+CKORString ResolvedName(const CKORString& path, bool rtxLayout) {
+    const SplitPath split = SplitAtFirstBackslash(path);
+    const wchar_t* const rootName = split.rootName.Text();
+    CKORString name;
+    if (const SymbolicRoot* const symbolic = FindSymbolicRoot(rootName)) {
+        const RootLocation& location = symbolic->In(rtxLayout);
+        name = FindRealRoot(HandleOf(location.hive))->name;
+        name += L"\\";
+        name += location.prefix;
+    } else if (const RealRoot* const root = FindRealRoot(rootName)) {
+        name = root->name;
+        name += L"\\";
+    } else {
+        return name;
+    }
+    name += split.rest;
+    RemoveTrailingBackslashes(name);
+    return name;
+}
+
 bool CRegistryKey::Open(const CKORString& path, bool create) {
     const SplitPath split = SplitAtFirstBackslash(path);
     const wchar_t* const rootName = split.rootName.Text();

@@ -214,6 +214,10 @@ bool CRegistryKey::GetValueType(HKEY handle, const CKORString& name, RegValueTyp
     return type != RegValueType::Unknown;
 }
 
+bool CRegistryKey::GetValueType(const CKORString& name, RegValueType& type) const {
+    return m_handle != nullptr && GetValueType(m_handle, name, type);
+}
+
 bool CRegistryKey::QueryValueTraced(HKEY handle, const CKORString& name, RegValueType& type,
                                     void* buffer, std::uint64_t& size, bool& hasMoreData) {
     DWORD registryType = REG_NONE;

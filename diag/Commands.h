@@ -1,0 +1,62 @@
+// The commands of kordiag as a table, and what each gets and gives back.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "base/CKORString.h"
+#include "diag/JsonWriter.h"
+#include "diag/Utf8Output.h"
+
+enum class ExitCode : int {
+    Answered = 0,
+    No = 1, // what was asked for does not exist, or the operation gave false
+    WrongUsage = 2,
+};
+
+enum Option : unsigned {
+    NoOption = 0,
+    OptionJson = 1,
+    OptionRtx = 2,
+    OptionCreate = 4,
+    OptionAnywhere = 8,
+    OptionDocument = 16,
+    OptionDpi = 32,
+    OptionCommand = 64, // "--" and a command line follow the operands
+};
+
+struct Arguments {
+    bool Has(Option option) const { return (Options & option) != 0; }
+    CKORString Operand(std::size_t index) const { return Operands[index].c_str(); }
+
+    std::vector<std::wstring> Operands;
+    unsigned Options = NoOption;
+    int Dpi = 0;
+    std::vector<std::wstring> CommandLine; // with OptionCommand
+};
+
+struct Streams {
+    Utf8Output& Out;
+    Utf8Output& Err;
+};
+
+struct Command {
+    const wchar_t* Group; // the word before the name; null when there is none
+    const wchar_t* Name;
+    const wchar_t* Usage; // what may follow the name
+    const wchar_t* Summary;
+    std::size_t OperandCount;
+    unsigned Options;
+    ExitCode (*Run)(const Arguments& arguments, Streams& streams);
+};
+
+ExitCode RunPage(const Arguments& arguments, Streams& streams);
+ExitCode RunSizes(const Arguments& arguments, Streams& streams);
+ExitCode RunCatalogue(const Arguments& arguments, Streams& streams);
+ExitCode RunQueries(const Arguments& arguments, Streams& streams);
+ExitCode RunRoots(const Arguments& arguments, Streams& streams);
+ExitCode RunSetting(const Arguments& arguments, Streams& streams);
+ExitCode RunReport(const Arguments& arguments, Streams& streams);
+
+// words are the program's arguments without its own name.
+ExitCode RunCommandLine(const std::vector<std::wstring>& words, Streams& streams);

@@ -1,0 +1,50 @@
+// Writes one JSON document, piece by piece and in the order of the calls.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/CKORString.h"
+#include "diag/Utf8Output.h"
+
+// The text as a JSON string with its quotes. Control characters and surrogates that are no pair are
+// written as \uXXXX, so that any text that Windows may hold comes out as valid UTF-8.
+std::wstring Quoted(std::wstring_view text);
+std::wstring Quoted(const CKORString& text);
+
+// The text for people: the same characters are written as \uXXXX, so that a line stays a line; all
+// others as they are.
+std::wstring Printable(const CKORString& text);
+
+// The caller's calls must make a document: a key before each member of an object.
+class JsonWriter {
+public:
+    explicit JsonWriter(Utf8Output& output) : m_output(output) {}
+    JsonWriter(const JsonWriter&) = delete;
+    JsonWriter& operator=(const JsonWriter&) = delete;
+
+    void BeginObject() { Begin(L"{"); }
+    void EndObject() { End(L"}"); }
+    void BeginArray() { Begin(L"["); }
+    void EndArray() { End(L"]"); }
+
+    // A member of an object begins; its value follows.
+    JsonWriter& Key(const wchar_t* name);
+
+    void Text(std::wstring_view text) { Value(Quoted(text)); }
+    void Text(const CKORString& text) { Value(Quoted(text)); }
+    void Number(std::int64_t number) { Value(std::to_wstring(number)); }
+    void Number(std::uint64_t number) { Value(std::to_wstring(number)); }
+    void Boolean(bool value) { Value(value ? L"true" : L"false"); }
+    void Null() { Value(L"null"); }
+
+private:
+    void Separate();
+    void Begin(const wchar_t* bracket);
+    void End(const wchar_t* bracket);
+    void Value(std::wstring_view text);
+
+    Utf8Output& m_output;
+    bool m_needsComma = false;
+};

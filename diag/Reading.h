@@ -1,0 +1,24 @@
+// The answers of the reading commands in their two forms. The report is made of them.
+#pragma once
+
+#include "diag/JsonWriter.h"
+#include "diag/PageState.h"
+#include "diag/Utf8Output.h"
+
+void WriteSizes(JsonWriter& json, const PageState& state);
+void WriteSizes(Utf8Output& output, const PageState& state);
+
+void WriteCatalogue(JsonWriter& json, const PageState& state);
+// With the sections and items that were not made.
+void WriteCatalogue(Utf8Output& output, const PageState& state);
+
+void WriteQueries(JsonWriter& json);
+void WriteQueries(Utf8Output& output);
+
+void WriteRoots(JsonWriter& json, bool rtxLayout);
+void WriteRoots(Utf8Output& output, bool rtxLayout);
+
+// Whether there is an answer.
+bool WriteSetting(JsonWriter& json, const CKORString& name);
+// With the sources that were asked.
+bool WriteSetting(Utf8Output& output, const CKORString& name);

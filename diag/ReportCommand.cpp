@@ -1,0 +1,95 @@
+// kordiag report: every reading command at once.
+#include <windows.h>
+
+#include "diag/Commands.h"
+#include "diag/Reading.h"
+#include "diag/Version.h"
+#include "registry/CRegistryKey.h"
+
+namespace {
+
+// The settings that the library's programs ask for.
+constexpr const wchar_t* Settings[] = {L"TEMP", L"TRACEFOLDER", L"KOR_PATH", L"KOR_PATH64"};
+
+constexpr wchar_t SystemKey[] =
+    L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
+
+// As the system calls itself: name and build. Windows tells programs an older version than its own
+// when they ask for it in other ways.
+CKORString SystemVersion() {
+    CRegistryKey key(SystemKey, false);
+    CKORString name(L"unknown");
+    CKORString build;
+    key.ReadString(L"ProductName", name);
+    if (key.ReadString(L"CurrentBuild", build)) {
+        name += L", build ";
+        name += build;
+    }
+    return name;
+}
+
+CKORString NowInUtc() {
+    SYSTEMTIME now = {};
+    GetSystemTime(&now);
+    return CKORString::Format(L"%04u-%02u-%02uT%02u:%02u:%02uZ", now.wYear, now.wMonth, now.wDay,
+                              now.wHour, now.wMinute, now.wSecond);
+}
+
+void WriteReport(JsonWriter& json) {
+    const PageState state;
+    json.BeginObject();
+    json.Key(L"version").Text(std::wstring_view(ProgramVersion));
+    json.Key(L"system").Text(SystemVersion());
+    json.Key(L"dpi").Number(std::int64_t{state.Dpi});
+    json.Key(L"date").Text(NowInUtc());
+    json.Key(L"queries");
+    WriteQueries(json);
+    json.Key(L"catalogue");
+    WriteCatalogue(json, state);
+    json.Key(L"sizes");
+    WriteSizes(json, state);
+    json.Key(L"roots");
+    WriteRoots(json, false);
+    json.Key(L"rtxRoots");
+    WriteRoots(json, true);
+    json.Key(L"settings").BeginArray();
+    for (const wchar_t* const name : Settings) {
+        WriteSetting(json, name);
+    }
+    json.EndArray();
+    json.Key(L"page").Text(state.Page.PageHtml);
+    json.EndObject();
+}
+
+void WriteReport(Utf8Output& output) {
+    const PageState state;
+    output.Write(L"kordiag ", ProgramVersion, L", ", NowInUtc(), L"\n", SystemVersion(), L", ",
+                 state.Dpi, L" DPI\n\nInstallation\n\n");
+    WriteQueries(output);
+    output.Write(L"\nCatalogue\n\n");
+    WriteCatalogue(output, state);
+    output.Write(L"\nSizes\n\n");
+    WriteSizes(output, state);
+    output.Write(L"\nRoots\n\n");
+    WriteRoots(output, false);
+    output.Write(L"\nRoots in the RTX layout\n\n");
+    WriteRoots(output, true);
+    output.Write(L"\nSettings\n\n");
+    for (const wchar_t* const name : Settings) {
+        WriteSetting(output, name);
+    }
+    output.Write(L"\nPage\n\n", state.Page.PageHtml, L"\n");
+}
+
+} // namespace
+
+ExitCode RunReport(const Arguments& arguments, Streams& streams) {
+    if (arguments.Has(OptionJson)) {
+        JsonWriter json(streams.Out);
+        WriteReport(json);
+        streams.Out.Write(L"\n");
+    } else {
+        WriteReport(streams.Out);
+    }
+    return ExitCode::Answered;
+}

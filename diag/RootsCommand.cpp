@@ -1,0 +1,86 @@
+// kordiag roots.
+#include "diag/Commands.h"
+#include "diag/Reading.h"
+#include "registry/CRegistryKey.h"
+#include "registry/SymbolicRoots.h"
+
+namespace {
+
+constexpr std::uint32_t RootCount = 8;
+
+// Key objects take the layout of the moment in which they are made.
+class LayoutInForce {
+public:
+    explicit LayoutInForce(bool rtxLayout) : m_before(CRegistryKey::RtxMode()) {
+        CRegistryKey::SetRtxMode(rtxLayout);
+    }
+    LayoutInForce(const LayoutInForce&) = delete;
+    LayoutInForce& operator=(const LayoutInForce&) = delete;
+    ~LayoutInForce() { CRegistryKey::SetRtxMode(m_before); }
+
+private:
+    bool m_before;
+};
+
+bool Exists(const SymbolicRoot& root, bool rtxLayout) {
+    const LayoutInForce layout(rtxLayout);
+    CRegistryKey key;
+    return key.OpenSymbolic(root.id, L"", false);
+}
+
+// Calls the function with each root, its hive's name and its key without the last backslash.
+template <typename Function>
+void ForEachRoot(bool rtxLayout, Function function) {
+    for (std::uint32_t id = 1; id <= RootCount; ++id) {
+        const SymbolicRoot& root = *FindSymbolicRoot(static_cast<SymbolicRootId>(id));
+        const RootLocation& location = root.In(rtxLayout);
+        const std::wstring_view prefix(location.prefix);
+        function(id, root, FindRealRoot(HandleOf(location.hive))->name,
+                 prefix.substr(0, prefix.size() - 1));
+    }
+}
+
+} // namespace
+
+ExitCode RunRoots(const Arguments& arguments, Streams& streams) {
+    const bool rtxLayout = arguments.Has(OptionRtx);
+    if (arguments.Has(OptionJson)) {
+        JsonWriter json(streams.Out);
+        WriteRoots(json, rtxLayout);
+        streams.Out.Write(L"\n");
+    } else {
+        WriteRoots(streams.Out, rtxLayout);
+    }
+    return ExitCode::Answered;
+}
+
+void WriteRoots(JsonWriter& json, bool rtxLayout) {
+    json.BeginArray();
+    ForEachRoot(rtxLayout, [&](std::uint32_t id, const SymbolicRoot& root, const wchar_t* hive,
+                               std::wstring_view subKey) {
+        json.BeginObject();
+        json.Key(L"id").Number(std::int64_t{id});
+        json.Key(L"name");
+        if (root.name != nullptr) {
+            json.Text(std::wstring_view(root.name));
+        } else {
+            json.Null();
+        }
+        json.Key(L"root").Text(std::wstring_view(hive));
+        json.Key(L"subkey").Text(subKey);
+        json.Key(L"exists").Boolean(Exists(root, rtxLayout));
+        json.Key(L"volatileClass").Number(std::int64_t{root.volatileClass});
+        json.EndObject();
+    });
+    json.EndArray();
+}
+
+void WriteRoots(Utf8Output& output, bool rtxLayout) {
+    ForEachRoot(rtxLayout, [&](std::uint32_t id, const SymbolicRoot& root, const wchar_t* hive,
+                               std::wstring_view subKey) {
+        output.Write(std::int64_t{id}, L" ",
+                     root.name != nullptr ? root.name : L"(reached by its id only)",
+                     Exists(root, rtxLayout) ? L"" : L", does not exist", L", volatile class ",
+                     std::int64_t{root.volatileClass}, L"\n  ", hive, L"\\", subKey, L"\n");
+    });
+}

@@ -1,0 +1,200 @@
+#!/usr/bin/env python3
+"""endtoend_test.py CLASS: starts the real launcher with a demonstration installation and looks at its
+window, its page and what its links start. CTest runs one class at a time."""
+import shutil
+import sys
+import unittest
+
+from session import DEMO, TITLE, Session, wait_for
+
+# The development installation's page, section by section in the order of the grid.
+DEVELOPMENT = [
+    ("Quick Start", ["Vantrel Sample Gallery", "KOR Help", "KOR Release Notes"]),
+    ("Folders", ["KOR", "KOR examples", "KOR images", "KOR predefined Contexts", "Corvane DTK directory",
+                 "Sorbel DTK directory"]),
+    ("General Tools", ["KORConfig", "Vantrel Framewright", "Vantrel TimeScope", "Vantrel Grab Studio",
+                       "Tutorials directory"]),
+    ("Processing Tools", ["KOR Wingman", "Vantrel Symbol Decoder", "Vantrel Hue Survey", "Vantrel Contour Tracer",
+                          "Vantrel GaugeBench", "Vantrel Shape Locator", "Vantrel Glyph Scanner",
+                          "Vantrel Text Spotter", "Vantrel Lookout"]),
+    ("Flow Forge 2.1", ["Vantrel Flow Forge", "Velnora utility", "Vantrel Flow Forge Help file",
+                        "Flow Forge Documentation", "Flow Forge Tools", "Flow Forge Runtime Manager"]),
+    ("Flow Forge 3.0", ["Vantrel Flow Forge", "Velnora utility", "Vantrel Flow Forge User Guide",
+                        "Flow Forge Documentation", "Flow Forge Tools", "Flow Forge Runtime Manager"]),
+    ("Flow Forge 2.0 (32-bit)", ["Vantrel Flow Forge", "Velnora utility", "Vantrel Flow Forge User Guide",
+                                 "Flow Forge Documentation", "Flow Forge Tools", "Flow Forge Runtime Manager"]),
+    ("ActiveKOR", ["Sample Gallery", "ActiveKOR Help file", "ActiveKOR directory", "ActiveKOR examples directory",
+                   "Debugging session demo", "Processing session demo", "Read me file"]),
+    ("Flow Forge", ["Vantrel Flow Forge", "Vantrel Flow Forge Help file",
+                    "Vantrel Orvex 40 Installation and Technical Reference", "List of tutorials"]),
+    ("KOR for RTOS", ["KORConfig for RTOS", "KOR RTOS Examples"]),
+]
+
+
+def sections(page):
+    """The page's headings, each with the labels of its links, in document order."""
+    found = []
+    for box in page["boxes"]:
+        if box["tag"] == "h2":
+            found.append((box["text"], []))
+        elif box["class"] == "item":
+            found[-1][1].append(box["text"])
+    return found
+
+
+class EndToEnd(unittest.TestCase):
+    dpi = 96
+    installation = "development"
+    maxDiff = None
+
+    def setUp(self):
+        self.session = Session(type(self).__name__, self.dpi, self.installation)
+        self.addCleanup(self.session.close)
+
+    def base_height(self, metrics):
+        return metrics["SM_CYMENU"] + 2 * metrics["SM_CXDLGFRAME"] + 234 + metrics["SM_CYHSCROLL"]
+
+    def expect_size(self, width, height):
+        wait_for(lambda: self.session.size() == (width, height) or self.late(width, height),
+                 f"the size {width} x {height}")
+
+    def late(self, width, height):
+        self.session.alive()
+        self.last_size = self.session.size()
+        return False
+
+    def end(self):
+        self.assertEqual(self.session.end(), 0)
+
+
+class Development(EndToEnd):
+    def test_from_start_to_end(self):
+        session = self.session
+        metrics = session.metrics()
+        page = session.start()
+        self.assertEqual(session.xdotool("getwindowname", session.window).strip(), TITLE)
+        self.assertEqual(sections(page), DEVELOPMENT)
+        self.assertTrue(next(box for box in page["boxes"] if box["tag"] == "img")["loaded"])
+
+        # Five rows of 6, 9, 6, 7 and 4 items.
+        width = metrics["SM_CXVSCROLL"] + 2 * (metrics["SM_CYDLGFRAME"] + 320)
+        base = self.base_height(metrics)
+        self.expect_size(width, base + 5 * 45 + (6 + 9 + 6 + 7 + 4) * 20)
+        page = session.wait_for_page(lambda page: page["contentHeight"] <= page["window"]["height"],
+                                     "the whole page to fit its window")
+
+        self.links_start_their_targets()
+        self.refresh_shows_what_changed(width, base)
+        self.end()
+
+    def links_start_their_targets(self):
+        library = r"C:\Program Files\Vantrel Imaging"
+        for item, command_line in [
+            ("KOR_0", rf'"{library}\Tools\SampleGallery.exe" /KOR'),
+            ("KOR_2", rf'"C:\windows\hh.exe" {library}\KOR\DOC\help\KORHelp.chm'
+                      "::/redirect.xhtm#z_KOR_Readme_whatsnew_processing.chm::/whatsnew_processing.htm"),
+            ("RT_0", rf'"{library}\Tools\KorConfig.exe" -rtxmode'),
+            ("ACTIVEKOR_6", rf'"C:\windows\kordemoviewer.exe" "{library}\ActiveKOR\ReadMe.html"'),
+        ]:
+            with self.subTest(item):
+                before = len(self.session.log())
+                self.session.click(item)
+                line = wait_for(lambda: self.session.log()[before:], f"what {item} starts")[0]
+                # Slashes and blanks are the shell's: it may write a path in its own way.
+                plain = lambda text: " ".join(text.replace("/", "\\").split())
+                self.assertEqual(plain(line), plain(command_line))
+
+    def refresh_shows_what_changed(self, width, base):
+        session, library = self.session, self.session.drive / "Program Files/Vantrel Imaging"
+        (library / "Tools/GrabStudio.exe").unlink()
+        shutil.rmtree(library / "Tutorial videos")
+        shutil.rmtree(session.drive / "Program Files (x86)/Vantrel Flow Forge 2.0")
+        change = session.prefix / "change.reg"
+        change.write_text(
+            "Windows Registry Editor Version 5.00\n\n"
+            "[-HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\RTX]\n\n"
+            "[HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library]\n\"KORType\"=\"Runtime\"\n")
+        session.import_registry(change)
+        page = session.refresh()
+        changed = [(title, [label for label in labels if (title, label) not in {
+            ("General Tools", "Vantrel Grab Studio"), ("General Tools", "Tutorials directory")}])
+            for title, labels in DEVELOPMENT
+            if title not in ("Quick Start", "Folders", "Flow Forge 2.0 (32-bit)", "KOR for RTOS")]
+        self.assertEqual(sections(page), changed)
+        # Three rows of 9, 6 and 7 items: tools, two versions, ActiveKOR beside the single Flow Forge.
+        self.expect_size(width, base + 3 * 45 + (9 + 6 + 7) * 20)
+
+
+class Development120(EndToEnd):
+    dpi = 120
+
+    def test_size(self):
+        metrics = self.session.metrics()
+        self.assertEqual(sections(self.session.start()), DEVELOPMENT)
+        # 45 and 20 pixels scaled: 56 a row and 25 an item.
+        self.expect_size(1405, self.base_height(metrics) + 5 * 56 + 32 * 25)
+        self.end()
+
+
+class Development144(EndToEnd):
+    dpi = 144
+
+    def test_size(self):
+        metrics = self.session.metrics()
+        self.assertEqual(sections(self.session.start()), DEVELOPMENT)
+        # 67 a row, 30 an item, and a width of one pixel less.
+        self.expect_size(1404, self.base_height(metrics) + 5 * 67 + 32 * 30)
+        self.end()
+
+
+class Runtime(EndToEnd):
+    installation = "runtime"
+
+    def test_shows_what_is_there(self):
+        metrics = self.session.metrics()
+        page = self.session.start()
+        self.assertEqual(sections(page), [("General Tools", ["KORConfig", "Vantrel Grab Studio"]),
+                                          ("Processing Tools", ["Vantrel Symbol Decoder"])])
+        self.expect_size(metrics["SM_CXVSCROLL"] + 2 * (metrics["SM_CYDLGFRAME"] + 320),
+                         self.base_height(metrics) + 45 + 2 * 20)
+        self.end()
+
+
+class Damaged(EndToEnd):
+    installation = "damaged"
+
+    def test_gives_a_page(self):
+        session = self.session
+        page = session.start()
+        self.assertEqual([title for title, _ in sections(page)][:2], ["General Tools", "Processing Tools"])
+        # A folder of the program's name is there too: its other label shows it.
+        self.assertEqual(dict(sections(page))["General Tools"], ["KORConfig", "KORTimeScope"])
+        self.assertEqual(dict(sections(page))["Processing Tools"], ["Vantrel Symbol Decoder"])
+        # The version's name goes into the page as it is: its markup is read as markup.
+        self.assertIn('<h2>Flow Forge 9.1 "beta" <b>Ünï視覚</b></h2>', page["innerHtml"]["Sections"])
+
+        session.import_registry(DEMO / "damaged/long-folder.reg")
+        page = session.refresh()
+        # The folder was read at the start and is kept: the same links.
+        self.assertEqual(dict(sections(page))["Processing Tools"], ["Vantrel Symbol Decoder"])
+
+        session.import_registry(DEMO / "damaged/not-installed.reg")
+        page = session.refresh()
+        self.assertEqual(sections(page), [("This KOR hasn't been installed by a valid install", [])])
+        self.end()
+
+
+class LongFolder(EndToEnd):
+    """An install folder of 3000 characters: no link leads anywhere, the sections stay away."""
+    installation = "damaged"
+
+    def test_gives_a_page(self):
+        self.session.import_registry(DEMO / "damaged/long-folder.reg")
+        page = self.session.start()
+        self.assertNotIn("General Tools", dict(sections(page)))
+        self.assertIn("<h2>Flow Forge 9.1", page["innerHtml"]["Sections"])
+        self.end()
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

@@ -42,6 +42,7 @@ kor_describe_window() {
 # kor_save_picture FILE: the window's picture, once two taken in a row are the same.
 kor_save_picture() {
     local file=$1 before='' now tries
+    xdotool windowfocus "$kor_window" 2>/dev/null
     for tries in {1..20}; do
         import -window "$kor_window" "png:$file" || return 1
         now=$(convert "$file" rgb:- | sha256sum)
@@ -55,7 +56,8 @@ kor_save_picture() {
 # Ends the launcher as a user does; by force if it does not follow.
 kor_end_launcher() {
     local tries
-    xdotool windowfocus "$kor_window" key alt+F4 2>/dev/null
+    # F4 comes up before Alt: "key alt+F4" lets go of Alt first, and then it is no Alt+F4 any more.
+    xdotool windowfocus "$kor_window" keydown alt keydown F4 keyup F4 keyup alt 2>/dev/null
     for tries in {1..50}; do
         kill -0 "$kor_launcher_pid" 2>/dev/null || return 0
         sleep 0.1

@@ -97,11 +97,8 @@ class Session:
     def refresh(self):
         """Presses F5 and gives back the page that was written for it, once the window has its size."""
         before = self.page()["writes"]
-        self.press("F5")
+        self.xdotool("windowfocus", self.window, "key", "F5")
         return self.wait_for_page(lambda page: page["writes"] > before, "the page after F5")
-
-    def press(self, keys):
-        self.xdotool("windowfocus", self.window, "key", keys)
 
     def click(self, item_id):
         box = next(box for box in self.page()["boxes"] if box["id"] == item_id)
@@ -120,7 +117,8 @@ class Session:
 
     def end(self):
         """Ends the launcher as a user does; its exit code."""
-        self.press("alt+F4")
+        # F4 comes up before Alt: "key alt+F4" lets go of Alt first, and then it is no Alt+F4 any more.
+        self.xdotool("windowfocus", self.window, "keydown", "alt", "keydown", "F4", "keyup", "F4", "keyup", "alt")
         return self.launcher.wait(PATIENCE)
 
     def xdotool(self, *arguments):

@@ -1,0 +1,31 @@
+// Tells tests what the page looks like: a JSON file, written anew with each change, if the
+// environment variable KOR_HTML_TRACE names one.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "wine/htmldocument/Page.h"
+#include "wine/htmldocument/ViewWindow.h"
+
+namespace html {
+
+class Trace {
+public:
+    Trace();
+    // Remembers markup that was written into an element.
+    void NoteWrite(const std::wstring& id, std::wstring_view markup);
+    // Readers see the file before or after, never in between.
+    void Write(Page& page, ViewWindow& view, bool loaded);
+
+private:
+    std::string Describe(Page& page, ViewWindow& view, bool loaded) const;
+
+    std::wstring m_path; // empty: nobody asked
+    unsigned m_sequence = 0;
+    unsigned m_writes = 0;
+    std::map<std::wstring, std::wstring> m_markup;
+};
+
+} // namespace html

@@ -19,6 +19,7 @@ HRESULT STDMETHODCALLTYPE QueryInterfaceOf(Face* self, const IID* iid, void** ob
 }
 
 ULONG STDMETHODCALLTYPE AddRefOf(Face* self) {
+    ++self->Owner->AddRefs;
     return static_cast<ULONG>(++self->Owner->References);
 }
 

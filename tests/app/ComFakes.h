@@ -43,6 +43,7 @@ public:
     HRESULT Query(REFIID iid, void** object);
 
     int References = 0;
+    int AddRefs = 0; // calls so far
     // What was called, in order; shared by the fakes of a test.
     std::vector<std::string>* Log = nullptr;
 

@@ -5,6 +5,8 @@
 #include <comdef.h>
 #include <shellapi.h>
 
+#include <memory>
+
 #include "app/CkorcontrolcenterDlg.h"
 #include "tests/app/ModalRun.h"
 #include "tests/support/TestInstallation.h"
@@ -356,13 +358,12 @@ TEST_F(Host, TheControlFollowsTheWindow) {
 
 TEST_F(Host, TheSiteOutlivesTheDialog) {
     IOleClientSite* site = nullptr;
-    {
-        CkorcontrolcenterDlg dialog;
-        RunModal(dialog, m_page, {Do([&] {
-                     site = m_page.Browser.Site;
-                     site->AddRef();
-                 })});
-    }
+    auto dialog = std::make_unique<CkorcontrolcenterDlg>();
+    RunModal(*dialog, m_page, {Do([&] {
+        site = m_page.Browser.Site;
+        site->AddRef();
+    })});
+    dialog.reset();
     ASSERT_NE(site, nullptr);
     IOleInPlaceSite* place = nullptr;
     IDocHostUIHandler* handler = nullptr;

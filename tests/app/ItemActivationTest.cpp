@@ -94,7 +94,8 @@ TEST_F(ItemActivation, OneReferenceToTheHoveredElementIsHeld) {
     m_dialog.OnItemMouseOver(m_element.Element());
     EXPECT_EQ(m_element.References, 1);
     m_dialog.OnItemMouseOver(m_element.Element());
-    EXPECT_EQ(m_element.References, 1) << "it is the hovered one already";
+    EXPECT_EQ(m_element.References, 1);
+    EXPECT_EQ(m_element.AddRefs, 1) << "it is the hovered one already";
     m_dialog.OnItemMouseOver(m_other.Element());
     EXPECT_EQ(m_element.References, 0);
     EXPECT_EQ(m_other.References, 1);

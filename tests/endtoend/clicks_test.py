@@ -1,0 +1,206 @@
+#!/usr/bin/env python3
+"""clicks_test.py CLASS: points at every link of the demonstration page with a real pointer, clicks it
+and compares what was started, to the blank, with a table. CTest runs one class at a time."""
+import os
+import re
+import signal
+import unittest
+from pathlib import Path
+
+from endtoend_test import EndToEnd, sections
+from session import wait_for
+
+LIBRARY = "C:\\Program Files\\Vantrel Imaging\\"
+EXAMPLES = "C:\\Users\\Public\\Documents\\Vantrel Imaging\\Examples\\"
+FORGE21 = "C:\\Program Files\\Vantrel Flow Forge 2.1\\"
+FORGE30 = "C:\\Program Files\\Vantrel Flow Forge 3.0\\"
+FORGE20 = "C:\\Program Files (x86)\\Vantrel Flow Forge 2.0\\"
+FORGE_EXAMPLES = "C:\\Users\\Public\\Documents\\Vantrel Flow Forge\\"
+VELNORA = "\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/Velnora.exe"
+
+
+def program(path, arguments=None):
+    return f'"{path}"' + ("" if arguments is None else f" {arguments}")
+
+
+def topic(text):
+    return f'"C:\\windows\\hh.exe" {text}'
+
+
+def opened(path):
+    """A document or a folder: in these prefixes the demonstration's viewer opens both. The shell gives it
+    the path in one form, whatever slashes it was asked with."""
+    plain = re.sub(r"[\\/]+", r"\\", path)
+    return f'"C:\\windows\\kordemoviewer.exe" "{plain}"'
+
+
+# What each link starts: the item's id and the whole command line that the program gets. A program's
+# arguments follow one blank; " /KOR" brings a second one of its own.
+LINKS = [
+    ("KOR_0", program(LIBRARY + "Tools\\SampleGallery.exe", " /KOR")),
+    ("KOR_1", topic(LIBRARY + "KOR\\DOC\\help\\KORHelp.chm")),
+    ("KOR_2", topic(LIBRARY + "KOR\\DOC\\help\\KORHelp.chm"
+                    "::/redirect.xhtm#z_KOR_Readme_whatsnew_processing.chm::/whatsnew_processing.htm")),
+    ("FOLDERS_0", opened(LIBRARY + "KOR")),
+    ("FOLDERS_1", opened(EXAMPLES + "KOR")),
+    ("FOLDERS_2", opened(LIBRARY + "Images")),
+    ("FOLDERS_3", opened(LIBRARY + "contexts")),
+    ("FOLDERS_4", opened(EXAMPLES + "KOR/CorvaneDTK")),
+    ("FOLDERS_5", opened(EXAMPLES + "KOR/SorbelDTK")),
+    ("TOOLS_0", program(LIBRARY + "Tools\\KorConfig.exe")),
+    ("TOOLS_1", program(LIBRARY + "Framewright\\Framewright.exe")),
+    ("TOOLS_2", program(LIBRARY + "Tools\\TimeScope.exe")),
+    ("TOOLS_3", program(LIBRARY + "Tools\\GrabStudio.exe")),
+    ("TOOLS_4", opened(LIBRARY + "Tutorial videos")),
+    ("GUI_0", program(LIBRARY + "KOR Wingman/korwingman.exe")),
+    ("GUI_1", program(LIBRARY + "Tools/SymbolDecoder.exe")),
+    ("GUI_2", program(LIBRARY + "Tools/HueSurvey.exe")),
+    ("GUI_3", program(LIBRARY + "Tools/ContourTracer.exe")),
+    ("GUI_4", program(LIBRARY + "Tools/GaugeBench.exe")),
+    ("GUI_5", program(LIBRARY + "Tools/ShapeLocator.exe")),
+    ("GUI_6", program(LIBRARY + "Tools/GlyphScanner.exe")),
+    ("GUI_7", program(LIBRARY + "Tools/TextSpotter.exe")),
+    ("GUI_8", program(LIBRARY + "Lookout/Lkout32.exe")),
+    ("FLOWFORGE-2.1_0", program(FORGE21 + "FlowForge.exe")),
+    ("FLOWFORGE-2.1_1", program(FORGE_EXAMPLES + "2.1" + VELNORA)),
+    ("FLOWFORGE-2.1_2", opened(FORGE21 + "Documentation/FlowForgeUserGuide.chm")),
+    ("FLOWFORGE-2.1_3", opened(FORGE21 + "/Documentation")),
+    ("FLOWFORGE-2.1_4", opened(FORGE21 + "/Tools")),
+    # The newest version's manager, from every version's section.
+    ("FLOWFORGE-2.1_5", program(FORGE30[:-1] + "/Tools/FlowForgeRuntimeManager.exe")),
+    ("FLOWFORGE-3.0_0", program(FORGE30 + "FlowForge.exe")),
+    ("FLOWFORGE-3.0_1", program(FORGE_EXAMPLES + "3.0" + VELNORA)),
+    ("FLOWFORGE-3.0_2", opened(FORGE30 + "Documentation/FlowForgeHelp.chm")),
+    ("FLOWFORGE-3.0_3", opened(FORGE30 + "/Documentation")),
+    ("FLOWFORGE-3.0_4", opened(FORGE30 + "/Tools")),
+    ("FLOWFORGE-3.0_5", program(FORGE30[:-1] + "/Tools/FlowForgeRuntimeManager.exe")),
+    ("FLOWFORGE-2.0_0", program(FORGE20 + "FlowForge.exe")),
+    ("FLOWFORGE-2.0_1", program(FORGE_EXAMPLES + "2.0 (32-bit)" + VELNORA)),
+    ("FLOWFORGE-2.0_2", opened(FORGE20 + "Documentation/FlowForgeHelp.chm")),
+    ("FLOWFORGE-2.0_3", opened(FORGE20 + "/Documentation")),
+    ("FLOWFORGE-2.0_4", opened(FORGE20 + "/Tools")),
+    # The 32-bit view has its own newest version.
+    ("FLOWFORGE-2.0_5", program(FORGE20[:-1] + "/Tools/FlowForgeRuntimeManager.exe")),
+    ("ACTIVEKOR_0", program(LIBRARY + "Tools/SampleGallery.exe", " /ActiveKOR")),
+    ("ACTIVEKOR_1", opened(LIBRARY + "ActiveKOR/Help/ActiveKORHelp.chm")),
+    ("ACTIVEKOR_2", opened(LIBRARY + "ActiveKOR")),
+    ("ACTIVEKOR_3", opened(EXAMPLES + "ActiveKor")),
+    ("ACTIVEKOR_4", program(LIBRARY + "ActiveKOR/Demos/AKORDebug.exe")),
+    ("ACTIVEKOR_5", program(LIBRARY + "ActiveKOR/Demos/AKORGMFProject.exe")),
+    ("ACTIVEKOR_6", opened(LIBRARY + "ActiveKOR/ReadMe.html")),
+    ("FLOWFORGE_0", program(FORGE30 + "FlowForge.exe")),
+    ("FLOWFORGE_1", opened(FORGE30 + "Documentation/FlowForgeUserGuide.chm")),
+    ("FLOWFORGE_2", opened(FORGE30 + "/Documentation/Orvex40_FF_TechRef.pdf")),
+    ("FLOWFORGE_3", opened(FORGE30 + "/StartPage/Tutorials.html")),
+    ("RT_0", program(LIBRARY + "Tools/KorConfig.exe", "-rtxmode")),
+    ("RT_1", opened(EXAMPLES + "KOR\\KORRTOS")),
+]
+
+BLUE, RED = "#0000ff", "#ff0000"
+
+
+class Links(EndToEnd):
+    """Programs, documents, help topics and folders. No link of the catalogue starts a program
+    elevated; how such an item is started is tested without the page (tests/app)."""
+
+    def test_every_link(self):
+        session = self.session
+        page = session.start()
+        session.wait_for_page(lambda page: page["contentHeight"] <= page["window"]["height"], "the whole page")
+        self.assertEqual([box["id"] for box in session.page()["boxes"] if box["class"] == "item"],
+                         [item for item, _ in LINKS])
+        self.open_with_explorer("FOLDERS_0", LIBRARY + "KOR")
+        session.point_at_heading()
+        session.xdotool("click", 1)  # the window is the active one again
+        session.refresh()
+        session.import_registry(Path(__file__).with_name("folders.reg"))
+        before = None
+        for item, command_line in LINKS:
+            with self.subTest(item):
+                self.assertEqual(self.look(item), (BLUE, ""))
+                session.point_at(item)
+                session.wait_for_page(lambda page: self.look(item, page) == (RED, "hand"), f"{item} under the pointer")
+                if before is not None:
+                    # Blue again; the cursor stays set, intended.
+                    self.assertEqual(self.look(before), (BLUE, "hand"))
+                lines = len(session.log())
+                session.xdotool("click", 1)
+                self.assertEqual(wait_for(lambda: session.log()[lines:], f"what {item} starts"), [command_line])
+            before = item
+        session.point_at_heading()
+        session.wait_for_page(lambda page: self.look(before, page) == (BLUE, "hand"), f"{before} left alone")
+        # A click beside the links starts nothing.
+        session.xdotool("click", 1)
+        self.end()
+        self.assertEqual(len(session.log()), len(LINKS))
+
+    def look(self, item, page=None):
+        box = next(box for box in (page or self.session.page())["boxes"] if box["id"] == item)
+        return box["color"], box["cursor"]
+
+    def open_with_explorer(self, item, folder):
+        """As the shell comes: a window of the explorer, which is ended again."""
+        self.session.click(item)
+        self.assertEqual(self.look(item), (RED, "hand"))
+        explorer = wait_for(lambda: self.explorer_of(folder), f"an explorer for {folder}")
+        wait_for(lambda: self.session.xdotool("search", "--onlyvisible", "--name", "^KOR$"), "the explorer's window")
+        os.kill(explorer, signal.SIGKILL)
+        wait_for(lambda: not self.session.xdotool("search", "--onlyvisible", "--name", "^KOR$"),
+                 "the explorer to go")
+
+    def explorer_of(self, folder):
+        """The process of this prefix's explorer that shows the folder; None if there is none."""
+        for process in Path("/proc").glob("[0-9]*"):
+            try:
+                command = (process / "cmdline").read_bytes().split(b"\0")
+                if command[0].endswith(b"explorer.exe") and folder.encode() in command and \
+                        f"WINEPREFIX={self.session.prefix}".encode() in (process / "environ").read_bytes().split(b"\0"):
+                    return int(process.name)
+            except (FileNotFoundError, ProcessLookupError):
+                continue  # it ended meanwhile
+        return None
+
+
+def reg_file(session, text):
+    file = session.prefix / "change.reg"
+    file.write_text("Windows Registry Editor Version 5.00\n\n" + text)
+    return file
+
+
+class Changes(EndToEnd):
+    """What is installed and taken away while the page is shown appears and goes with F5."""
+
+    def test_refresh(self):
+        session = self.session
+        before = sections(session.start())
+        versions = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Flow Forge\Installed Versions"
+        session.import_registry(reg_file(session, f"[{versions}\\4.0]\n"
+                                         '"InstallationPath"="C:\\\\Program Files\\\\Vantrel Flow Forge 3.0"\n'))
+        after = sections(session.refresh())
+        # Without examples of its own: they are looked for in the install folder, where there are none.
+        added = ("Flow Forge 4.0", ["Vantrel Flow Forge", "Vantrel Flow Forge User Guide", "Flow Forge Documentation",
+                                    "Flow Forge Tools", "Flow Forge Runtime Manager"])
+        at = [title for title, _ in before].index("Flow Forge 2.0 (32-bit)")
+        self.assertEqual(after, before[:at] + [added] + before[at:])
+        self.assertEqual(sections(session.refresh()), after)
+        lines = len(session.log())
+        session.click("FLOWFORGE-4.0_2")
+        self.assertEqual(wait_for(lambda: session.log()[lines:], "the user guide"),
+                         [opened(FORGE30 + "Documentation/FlowForgeHelp.chm")])
+
+        size = session.size()
+        library = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Imaging Library"
+        session.import_registry(reg_file(session, f'[{library}]\n"KorVersion"=-\n'))
+        page = session.refresh()
+        message = "This KOR hasn't been installed by a valid install"
+        self.assertEqual(sections(page), [(message, [])])
+        self.assertEqual(page["innerHtml"]["Sections"], f"<div id=KORSection><h2>{message}</h2><ul></ul></div>")
+        self.assertTrue(wait_for(lambda: session.size()[1] < size[1], "the window of the bare height"))
+
+        session.import_registry(reg_file(session, f'[{library}]\n"KorVersion"="11"\n'))
+        self.assertEqual(sections(session.refresh()), after)
+        self.end()
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)

@@ -58,8 +58,9 @@ kor_build_preset() {
 # the process kor_display_pid.
 kor_private_display() {
     local number=''
-    # The server tells its number through a pipe that it alone keeps open.
-    coproc KOR_XVFB { exec Xvfb -displayfd 1 -screen 0 "$1x24" -nolisten tcp 2>/dev/null; }
+    # The server tells its number through a pipe that it alone keeps open. Without -noreset it throws
+    # its clients out when the last one goes, and with it a next one that is just coming.
+    coproc KOR_XVFB { exec Xvfb -displayfd 1 -screen 0 "$1x24" -nolisten tcp -noreset 2>/dev/null; }
     kor_display_pid=$!
     read -r -t 20 number <&"${KOR_XVFB[0]}"
     if [ -z "$number" ]; then

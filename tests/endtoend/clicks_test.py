@@ -141,7 +141,7 @@ class Links(EndToEnd):
     def open_with_explorer(self, item, folder):
         """As the shell comes: a window of the explorer, which is ended again."""
         self.session.click(item)
-        self.assertEqual(self.look(item), (RED, "hand"))
+        self.session.wait_for_page(lambda page: self.look(item, page) == (RED, "hand"), f"{item} under the pointer")
         explorer = wait_for(lambda: self.explorer_of(folder), f"an explorer for {folder}")
         wait_for(lambda: self.session.xdotool("search", "--onlyvisible", "--name", "^KOR$"), "the explorer's window")
         os.kill(explorer, signal.SIGKILL)

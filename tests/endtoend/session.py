@@ -31,8 +31,9 @@ class Session:
         self.prefix = BUILD / "test-prefixes" / f"endtoend-{name}-{os.getpid()}"
         self.drive = self.prefix / "drive_c"
         self.page_file = self.prefix / "page.json"
+        # Without -noreset it throws its clients out when the last one goes, and a next one that just comes.
         self.display = subprocess.Popen(
-            ["Xvfb", "-displayfd", "1", "-screen", "0", "1600x1800x24", "-nolisten", "tcp"],
+            ["Xvfb", "-displayfd", "1", "-screen", "0", "1600x1800x24", "-nolisten", "tcp", "-noreset"],
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         number = self.display.stdout.readline().decode().strip()
         assert number, "Xvfb did not start"

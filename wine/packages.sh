@@ -3,11 +3,11 @@
 
 kor_run_packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build
-    wine wine64 fonts-wine xvfb xdotool imagemagick
+    wine wine64 fonts-wine xvfb xdotool imagemagick python3
 )
 kor_test_packages=(
     "${kor_run_packages[@]}"
-    googletest clang-format clang-tidy python3
+    googletest clang-format clang-tidy
 )
 
 # kor_need PACKAGE...: installs those that are missing; asks apt only when one is.

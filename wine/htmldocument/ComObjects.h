@@ -11,6 +11,14 @@ namespace html {
 
 using Microsoft::WRL::ComPtr;
 
+// Owns a reference that the caller already has. The tool chain's ComPtr::Attach adds another one.
+template <class Interface>
+ComPtr<Interface> Adopt(Interface* object) {
+    ComPtr<Interface> pointer;
+    *pointer.GetAddressOf() = object;
+    return pointer;
+}
+
 // Counts everything that keeps the library in memory.
 class ModuleLock {
 public:

@@ -131,8 +131,7 @@ void Document::BeginLoading() {
     }
     m_loads.clear();
     m_imagesUnderWay = 0;
-    ComPtr<ResourceLoad> load;
-    load.Attach(new ResourceLoad(
+    const ComPtr<ResourceLoad> load = Adopt(new ResourceLoad(
         [this](HRESULT result, const std::string& bytes) { PageArrived(result, bytes); }));
     m_loads.push_back(load);
     load->Start(moniker.Get());
@@ -159,8 +158,7 @@ void Document::LoadImages() {
             continue;
         }
         ++m_imagesUnderWay;
-        ComPtr<ResourceLoad> load;
-        load.Attach(new ResourceLoad(
+        const ComPtr<ResourceLoad> load = Adopt(new ResourceLoad(
             [this, source](HRESULT, const std::string& bytes) { ImageArrived(source, bytes); }));
         m_loads.push_back(load);
         load->Start(moniker.Get());
@@ -214,8 +212,7 @@ void Document::Fire(const MouseEvent& event) {
     if (event.source == nullptr || !m_page.IsOnPage(*event.source)) {
         return;
     }
-    ComPtr<EventObject> object;
-    object.Attach(new EventObject(*this, event));
+    const ComPtr<EventObject> object = Adopt(new EventObject(*this, event));
     m_connections.FireEvent(event.id, *object.Get());
 }
 

@@ -13,6 +13,9 @@ namespace {
 constexpr std::wstring_view StandIns[] = {L"Liberation Sans", L"Arimo", L"Nimbus Sans",
                                           L"DejaVu Sans", L"Tahoma"};
 
+// Pages say the same words again and again; damaged ones say a new one each time.
+constexpr size_t MaxRememberedWidths = 2000;
+
 int CALLBACK NoteFamily(const LOGFONTW*, const TEXTMETRICW*, DWORD, LPARAM found) {
     *reinterpret_cast<bool*>(found) = true;
     return 0;
@@ -67,7 +70,7 @@ std::wstring FontCache::InstalledFamily(const std::wstring& families) {
     return installed;
 }
 
-const Font& FontCache::FontOf(const Style& style) {
+Font& FontCache::FontOf(const Style& style) {
     const int size = std::max(1, static_cast<int>(std::lround(style.fontSize)));
     const Key key(style.fontFamily, size, style.bold, style.italic, style.underline);
     const auto known = m_fonts.find(key);
@@ -91,11 +94,20 @@ const Font& FontCache::FontOf(const Style& style) {
     return m_fonts.emplace(key, font).first->second;
 }
 
-int FontCache::WidthOf(const Font& font, std::wstring_view text) {
+int FontCache::WidthOf(Font& font, std::wstring_view text) {
+    const std::wstring key(text);
+    const auto known = font.widths.find(key);
+    if (known != font.widths.end()) {
+        return known->second;
+    }
     const HGDIOBJ previous = SelectObject(m_dc, font.handle);
     SIZE size = {};
     GetTextExtentPoint32W(m_dc, text.data(), static_cast<int>(text.size()), &size);
     SelectObject(m_dc, previous);
+    if (font.widths.size() >= MaxRememberedWidths) {
+        font.widths.clear();
+    }
+    font.widths[key] = size.cx;
     return size.cx;
 }
 

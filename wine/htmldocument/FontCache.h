@@ -19,6 +19,7 @@ struct Font {
     int ascent = 0;
     int descent = 0;
     int lineHeight = 0;
+    std::unordered_map<std::wstring, int> widths; // of the words that were measured lately
 };
 
 // Owns the fonts; they live as long as the cache.
@@ -29,8 +30,8 @@ public:
     FontCache& operator=(const FontCache&) = delete;
     ~FontCache();
 
-    const Font& FontOf(const Style& style);
-    int WidthOf(const Font& font, std::wstring_view text);
+    Font& FontOf(const Style& style);
+    int WidthOf(Font& font, std::wstring_view text);
 
 private:
     using Key = std::tuple<std::wstring, int, bool, bool, bool>;

@@ -128,7 +128,8 @@ void TreeBuilder::Push(NodePtr node) {
 }
 
 void TreeBuilder::AddText(std::wstring text) {
-    if (IsTableStructure(Current().Tag()) && IsOnlySpaces(text)) {
+    const std::wstring& around = Current().Tag();
+    if ((IsTableStructure(around) || around == L"head") && IsOnlySpaces(text)) {
         return;
     }
     const std::vector<NodePtr>& siblings = Current().Children();

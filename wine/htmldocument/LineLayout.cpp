@@ -32,7 +32,7 @@ const Style& LayoutEngine::StyleAround(const Node& text) {
 
 void LayoutEngine::CollectText(const Node& text, InlineItems& items) {
     const Style& style = StyleAround(text);
-    const Font& font = m_fonts.FontOf(style);
+    Font& font = m_fonts.FontOf(style);
     std::wstring_view rest = text.Text();
     while (!rest.empty()) {
         InlineItem item;
@@ -180,7 +180,7 @@ void LayoutEngine::PlaceItems(const InlineItems& line, double x, double baseline
             item.text += line[i].text;
             ++i;
         }
-        const Font& font = m_fonts.FontOf(*first.style);
+        Font& font = m_fonts.FontOf(*first.style);
         item.font = font.handle;
         item.color = first.style->color;
         item.baseline = std::round(baseline);
@@ -197,7 +197,7 @@ void LayoutEngine::PlaceBullet(double baseline) {
         return;
     }
     const Style& style = StyleOf(*m_bulletOwner);
-    const Font& font = m_fonts.FontOf(style);
+    Font& font = m_fonts.FontOf(style);
     TextItem item;
     item.element = m_bulletOwner;
     item.isBullet = true;

@@ -59,8 +59,7 @@ HRESULT WINAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
     if (id != __uuidof(HTMLDocument)) {
         return CLASS_E_CLASSNOTAVAILABLE;
     }
-    html::ComPtr<html::ClassFactory> factory;
-    factory.Attach(new html::ClassFactory);
+    const html::ComPtr<html::ClassFactory> factory = html::Adopt(new html::ClassFactory);
     return factory->QueryInterface(iid, object);
 }
 

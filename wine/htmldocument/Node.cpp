@@ -169,9 +169,13 @@ bool Node::Contains(const Node& other) const {
     return false;
 }
 
+// As it is shown: runs of spaces are one, and none stands at either end of a line.
 std::wstring Node::InnerText() const {
     std::wstring text;
     CollectText(text);
+    while (!text.empty() && text.back() == L' ') {
+        text.pop_back();
+    }
     return text;
 }
 
@@ -193,7 +197,12 @@ void Node::CollectText(std::wstring& text) const {
     if (m_tag == L"br") {
         text += L"\r\n";
     }
-    text += m_text;
+    for (const wchar_t c : m_text) {
+        const bool space = IsHtmlSpace(c);
+        if (!space || (!text.empty() && text.back() != L' ' && text.back() != L'\n')) {
+            text += space ? L' ' : c;
+        }
+    }
     for (const NodePtr& child : m_children) {
         child->CollectText(text);
     }

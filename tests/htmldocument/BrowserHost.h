@@ -2,13 +2,14 @@
 // a handler for keys, and sinks that write down what they hear.
 #pragma once
 
+#include <windows.h>
+
 #include <docobj.h>
 #include <exdisp.h>
 #include <mshtmhst.h>
 #include <mshtml.h>
 #include <ole2.h>
 #include <urlmon.h>
-#include <windows.h>
 #include <wrl/client.h>
 
 #include <functional>

@@ -1,8 +1,9 @@
 // A small strict JSON reader, and the way to the trace file.
 #include "tests/htmldocument/TraceReader.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
+
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <windows.h>
+
 #include <wrl/client.h>
 
 #include <atomic>

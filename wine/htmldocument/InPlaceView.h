@@ -1,10 +1,11 @@
 // The document's place in its host: activation, the window, and the host's own handler.
 #pragma once
 
+#include <windows.h>
+
 #include <docobj.h>
 #include <mshtmhst.h>
 #include <ole2.h>
-#include <windows.h>
 
 #include "wine/htmldocument/ComObjects.h"
 #include "wine/htmldocument/ViewWindow.h"

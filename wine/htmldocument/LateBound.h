@@ -1,8 +1,9 @@
 // Late-bound calls by way of the type library that is registered for MSHTML.
 #pragma once
 
-#include <oaidl.h>
 #include <windows.h>
+
+#include <oaidl.h>
 
 #include "wine/htmldocument/ComObjects.h"
 

@@ -1,8 +1,9 @@
 // An image file, decoded.
 #pragma once
 
-#include <ocidl.h>
 #include <windows.h>
+
+#include <ocidl.h>
 
 #include <string>
 

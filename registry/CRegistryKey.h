@@ -46,6 +46,13 @@ public:
     static void SetRtxMode(bool rtxMode);
     static bool RtxMode();
 
+    // Values are written only below the current user, and in the real-time layout only below the
+    // local machine. The switch, off at start, lifts that rule for the process. Deleting values and
+    // creating, deleting and copying keys do not follow it.
+    static bool AllowWritesAnywhere();
+    static void SetAllowWritesAnywhere();
+    static void ClearAllowWritesAnywhere();
+
     // --- Opening. The key is opened for reading, a created one too: each write reopens it. ---
     // A failed opening leaves the object closed and reset. Whatever it had open is closed first.
 
@@ -118,7 +125,64 @@ public:
     bool EnumValueNames(CTable1D<CKORString>& names) const;
     bool SubKeyExists(const CKORString& name) const;
 
+    // --- Changes. The object is left open for reading on the key where it was, also on failure.
+    // ---
+
+    // Keep the low 32 bits of the value.
+    bool WriteDword(const CKORString& name, std::uint32_t value);
+    bool WriteDword(const CKORString& name, std::int32_t value);
+    bool WriteDword(const CKORString& name, std::uint64_t value);
+    bool WriteDword(const CKORString& name, std::int64_t value);
+    bool WriteQword(const CKORString& name, std::uint64_t value);
+    bool WriteQword(const CKORString& name, std::int64_t value);
+    bool WriteString(const CKORString& name, const CKORString& value);
+    bool WriteExpandString(const CKORString& name, const CKORString& value);
+    // size is in bytes.
+    bool WriteBinary(const CKORString& name, const void* data, std::uint64_t size);
+    // Writes the data as it stands; size is in bytes. Strings must end with their null, behind
+    // which the system may look otherwise. Multi-strings and unknown types are refused.
+    bool WriteValue(const CKORString& name, RegValueType type, const void* data,
+                    std::uint64_t size);
+    bool DeleteValue(const CKORString& name);
+
+    // The new key is volatile when this one was opened in a volatile location.
+    bool CreateSubKey(const CKORString& name);
+    // The path may have several components; the last one is deleted with everything in it.
+    bool DeleteSubKey(const CKORString& path);
+    // Empties the subkey, which stays. What was deleted before a failure stays deleted.
+    bool DeleteTree(const CKORString& path);
+
+    // destination is a path as Open takes it; the key is created when it does not exist. Copies
+    // what can be copied: true when the values could be listed. 64-bit numbers are written as
+    // 32-bit ones, expandable strings as plain ones, multi-strings and unknown types not at all.
+    bool CopyValues(const CKORString& destination);
+    // With everything below the key, except keys whose full name begins with exclusion, compared
+    // with case: pass the destination's full name when it lies inside the source. An empty
+    // exclusion is the beginning of every name. True when the values of the key itself were copied.
+    bool CopyTree(const CKORString& destination, const CKORString& exclusion);
+
+    // Empties the current user's volatile data; true when there is no runtime key to look in. For a
+    // fresh object, which is closed afterwards.
+    bool ClearCurrentUserVolatile();
+
+    // --- Volatile data: whatever lies in the key "volatile" directly below a symbolic root. ---
+
+    // Takes the mutex of the root in which the key lies and waits for it without limit; false for
+    // a key outside the four volatile roots that have one. False also when a holder before ended
+    // without unlocking: the mutex is held then all the same and must be unlocked.
+    bool LockVolatile();
+    // On the thread that locked.
+    bool UnlockVolatile();
+
+protected:
+    // Added to the access that each key is opened with: KEY_WOW64_32KEY, KEY_WOW64_64KEY or
+    // nothing.
+    REGSAM m_extraAccess = 0;
+
 private:
+    // Whether an opening that creates or reaches a volatile location may go on.
+    enum class StampResult { Refused = -1, Ready = 1 };
+
     // Opens m_subKey below m_root; null on failure.
     HKEY OpenAtSystem(bool create, bool write);
     void TakePerUserRoot();
@@ -130,9 +194,26 @@ private:
                          bool create);
     bool AllocateReadBuffer(DWORD capacity);
     LSTATUS QueryIntoBuffer(const CKORString& name, DWORD& registryType, DWORD& size);
-    template <typename Number>
-    bool ReadNumber(const CKORString& name, RegValueType type, Number& value);
+    // Reads a value that has the type and just the size, in bytes.
+    bool ReadExactly(const CKORString& name, RegValueType type, void* value, std::size_t size);
     std::wstring_view BufferedCharacters() const;
+
+    bool IsWritableRoot() const;
+    // The walks' moves: a subkey may bear a name that OpenRelative would follow upwards.
+    bool EnterSubKey(const CKORString& name);
+    bool LeaveSubKey();
+    // Goes back to a key that the object was on. False when that took a second try, or failed.
+    bool ReturnTo(const CKORString& start);
+    bool EmptyOpenKey();
+    bool DeleteAllValues();
+    bool DeleteEmptySubKey(const CKORString& name);
+    bool IsExcluded(const CKORString& exclusion) const;
+    void TakeViewOf(const CRegistryKey& other);
+    void CopyValueTo(CRegistryKey& target, const CKORString& name, std::int64_t& number);
+    // Makes sure that the root has a stamped key "volatile".
+    StampResult StampVolatileRoot(const CKORString& creatorPath, SymbolicRootId id, bool create);
+    void StampValueCreator(const CKORString& valueName);
+    bool ReleaseVolatileMutex();
 
     bool m_rtxLayout;
     HKEY m_root = nullptr;
@@ -140,11 +221,13 @@ private:
     bool m_created = false; // or changed: the destructor flushes
     CKORString m_subKey;
     bool m_ownsRoot = false; // m_root was opened for the current user
-    REGSAM m_extraAccess = 0;
     bool m_constructedWithPath = false;
-    bool m_isConstructing = false; // protects m_constructedWithPath from resets
-    std::int32_t VolatileClass = 0;
+    bool m_isConstructing = false;                // protects m_constructedWithPath from resets
+    std::unique_ptr<CRegistryKey> StampCompanion; // holds the stamped key while a stamp is due
+    std::uint32_t PendingStampClass = 0;          // the class whose "ValueCreator" stamp is due
+    std::int32_t VolatileClass = 0;               // not 0: keys are created volatile
     std::unique_ptr<std::byte[]> m_readBuffer;
     std::uint64_t m_readBufferCapacity = 0;
     std::uint64_t m_lastDataSize = 0;
+    HANDLE VolatileMutex = nullptr;
 };

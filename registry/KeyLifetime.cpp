@@ -19,6 +19,7 @@ CRegistryKey::CRegistryKey(const CKORString& path, bool create) : CRegistryKey()
 }
 
 CRegistryKey::~CRegistryKey() {
+    StampCompanion.reset();
     if (m_created) {
         FlushCreated();
     }
@@ -28,6 +29,14 @@ CRegistryKey::~CRegistryKey() {
     if (m_ownsRoot) {
         CloseKeyHandle(m_root);
     }
+    if (VolatileMutex != nullptr) {
+        ReleaseVolatileMutex();
+    }
+}
+
+void CRegistryKey::TakeViewOf(const CRegistryKey& other) {
+    m_rtxLayout = other.m_rtxLayout;
+    m_extraAccess = other.m_extraAccess;
 }
 
 void CRegistryKey::SetRtxMode(bool rtxMode) {

@@ -7,6 +7,18 @@
 
 namespace {
 
+// Set while no stamping is under way: the openings that a stamping makes are not stamped
+// themselves.
+bool VolatileStampGuard = true;
+
+class StampingUnderWay {
+public:
+    StampingUnderWay() { VolatileStampGuard = false; }
+    StampingUnderWay(const StampingUnderWay&) = delete;
+    StampingUnderWay& operator=(const StampingUnderWay&) = delete;
+    ~StampingUnderWay() { VolatileStampGuard = true; }
+};
+
 struct SplitPath {
     CKORString rootName;
     CKORString rest;
@@ -90,10 +102,17 @@ bool CRegistryKey::OpenCurrentUserRuntime(const CKORString& subPath, bool create
 bool CRegistryKey::PrepareVolatile(const CKORString& subPath, const wchar_t* rootName,
                                    SymbolicRootId id, bool create) {
     const VolatileKind kind = ClassifyVolatile(subPath, rootName, id, create, m_rtxLayout);
-    if (kind == VolatileKind::Volatile) {
-        VolatileClass = VolatileClassOf(id);
+    if (kind != VolatileKind::Volatile) {
+        return kind != VolatileKind::Refused;
     }
-    return kind != VolatileKind::Refused;
+    if (VolatileStampGuard) {
+        const StampingUnderWay underWay;
+        if (StampVolatileRoot(subPath, id, create) == StampResult::Refused) {
+            return false;
+        }
+    }
+    VolatileClass = VolatileClassOf(id);
+    return true;
 }
 
 CKORString CRegistryKey::GetFullName() const {

@@ -43,3 +43,14 @@ constexpr RegValueType FromRegistryType(DWORD registryType) {
     }
     return RegValueType::Unknown;
 }
+
+// False for a type that is not written: MultiString, Unknown and every other number.
+constexpr bool ToWritableRegistryType(RegValueType type, DWORD& registryType) {
+    for (const registry_types::TypePair& pair : registry_types::Pairs) {
+        if (pair.type == type && type != RegValueType::MultiString) {
+            registryType = pair.registryType;
+            return true;
+        }
+    }
+    return false;
+}

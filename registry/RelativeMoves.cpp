@@ -16,6 +16,13 @@ CKORString ParentOf(const CKORString& subKey) {
     return separator != nullptr ? subKey.Left(separator - subKey.Text()) : CKORString();
 }
 
+void AppendComponent(CKORString& subKey, const wchar_t* component) {
+    if (subKey.Length() > 0) {
+        subKey += L"\\";
+    }
+    subKey += component;
+}
+
 // Moves subKey along the path; false when the path leads nowhere.
 bool MoveText(CKORString& subKey, const wchar_t* path) {
     if (*path == L'\0') {
@@ -37,10 +44,7 @@ bool MoveText(CKORString& subKey, const wchar_t* path) {
         }
     }
     // Intended: ".." further on is not interpreted.
-    if (subKey.Length() > 0) {
-        subKey += L"\\";
-    }
-    subKey += path;
+    AppendComponent(subKey, path);
     return true;
 }
 
@@ -74,4 +78,24 @@ void CRegistryKey::LeaveClosed() {
         m_handle = nullptr;
     }
     GiveUpPerUserRoot();
+}
+
+bool CRegistryKey::EnterSubKey(const CKORString& name) {
+    CKORString subKey(m_subKey);
+    AppendComponent(subKey, name.Text());
+    return MoveTo(subKey);
+}
+
+bool CRegistryKey::LeaveSubKey() {
+    return ReturnTo(ParentOf(m_subKey));
+}
+
+bool CRegistryKey::ReturnTo(const CKORString& start) {
+    if (MoveTo(start)) {
+        return true;
+    }
+    // Once more, so that one refused call does not leave the object closed.
+    m_subKey = start;
+    OpenResolved(false, false, true);
+    return false;
 }

@@ -15,7 +15,7 @@ CKORString LastCharacters(const CKORString& text, std::int64_t count);
 // Cuts the text to the length, or fills it up to it with the pad character. A length below 0 is 0.
 void ChangeLength(CKORString& text, std::int64_t length, wchar_t pad);
 
-// Whether the piece occurs in the text, compared with case. The empty piece occurs in every text.
+// Whether the piece occurs in the text, compared with case.
 bool ContainsText(const CKORString& text, const wchar_t* piece);
 
 bool EqualIgnoringCase(const wchar_t* left, const wchar_t* right);

@@ -114,3 +114,8 @@ std::int32_t VolatileClassOf(SymbolicRootId id) {
     const SymbolicRoot* const root = FindSymbolicRoot(id);
     return root != nullptr ? root->volatileClass : 0;
 }
+
+SymbolicRootId VolatileKeyRootOf(SymbolicRootId id) {
+    const SymbolicRoot* const root = FindSymbolicRoot(id);
+    return root != nullptr ? root->volatileKeyIn : SymbolicRootId::None;
+}

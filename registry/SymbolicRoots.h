@@ -62,3 +62,5 @@ const RealRoot* FindRealRoot(HKEY root);
 
 // The VolatileClass of a root, 0 for an id that names none.
 std::int32_t VolatileClassOf(SymbolicRootId id);
+// The root that gets the stamped key "volatile" of the root, None for an id that names none.
+SymbolicRootId VolatileKeyRootOf(SymbolicRootId id);

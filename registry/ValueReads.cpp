@@ -110,21 +110,21 @@ bool CRegistryKey::AllocateReadBuffer(DWORD capacity) {
     return m_readBuffer != nullptr;
 }
 
-template <typename Number>
-bool CRegistryKey::ReadNumber(const CKORString& name, RegValueType type, Number& value) {
-    if (!QueryValue(name, type) || m_lastDataSize != sizeof value) {
+bool CRegistryKey::ReadExactly(const CKORString& name, RegValueType type, void* value,
+                               std::size_t size) {
+    if (!QueryValue(name, type) || m_lastDataSize != size) {
         return false;
     }
-    std::memcpy(&value, m_readBuffer.get(), sizeof value);
+    std::memcpy(value, m_readBuffer.get(), size);
     return true;
 }
 
 bool CRegistryKey::ReadDword(const CKORString& name, std::uint32_t& value) {
-    return ReadNumber(name, RegValueType::Dword, value);
+    return ReadExactly(name, RegValueType::Dword, &value, sizeof value);
 }
 
 bool CRegistryKey::ReadDword(const CKORString& name, std::int32_t& value) {
-    return ReadNumber(name, RegValueType::Dword, value);
+    return ReadExactly(name, RegValueType::Dword, &value, sizeof value);
 }
 
 bool CRegistryKey::ReadDwordAsInt64(const CKORString& name, std::int64_t& value) {
@@ -146,11 +146,11 @@ bool CRegistryKey::ReadDwordAsUInt64(const CKORString& name, std::uint64_t& valu
 }
 
 bool CRegistryKey::ReadQword(const CKORString& name, std::uint64_t& value) {
-    return ReadNumber(name, RegValueType::Qword, value);
+    return ReadExactly(name, RegValueType::Qword, &value, sizeof value);
 }
 
 bool CRegistryKey::ReadQword(const CKORString& name, std::int64_t& value) {
-    return ReadNumber(name, RegValueType::Qword, value);
+    return ReadExactly(name, RegValueType::Qword, &value, sizeof value);
 }
 
 bool CRegistryKey::ReadString(const CKORString& name, CKORString& value) {

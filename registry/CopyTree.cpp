@@ -1,0 +1,113 @@
+// Copying a key's values, alone or with everything below the key.
+#include <cwchar>
+
+#include "registry/CRegistryKey.h"
+#include "registry/StringUtilities.h"
+#include "registry/TreeWalk.h"
+
+bool CRegistryKey::CopyValues(const CKORString& destination) {
+    if (m_handle == nullptr) {
+        return false;
+    }
+    CRegistryKey target;
+    target.TakeViewOf(*this);
+    if (!target.Open(destination, false) && !target.Open(destination, true)) {
+        return false;
+    }
+    CTable1D<CKORString> names;
+    const bool isListed = EnumValueNames(names);
+    if (isListed) {
+        std::int64_t number = 0;
+        for (const CKORString& name : names) {
+            CopyValueTo(target, name, number);
+        }
+    }
+    // Closed before its end, so that a copied tree is not flushed key by key.
+    target.CloseIfOpen();
+    return isListed;
+}
+
+// Intended: a 64-bit number becomes a 32-bit one, and an expandable string a plain one. The number
+// written for a 64-bit value is the one that the last value of that type with 4 bytes left behind.
+void CRegistryKey::CopyValueTo(CRegistryKey& target, const CKORString& name, std::int64_t& number) {
+    RegValueType type = RegValueType::Unknown;
+    if (!GetValueType(m_handle, name, type)) {
+        return;
+    }
+    switch (type) {
+    case RegValueType::Dword: {
+        std::uint32_t value = 0;
+        if (ReadDword(name, value)) {
+            target.WriteDword(name, value);
+        }
+        break;
+    }
+    case RegValueType::Qword: {
+        std::int32_t value = 0;
+        if (ReadExactly(name, RegValueType::Qword, &value, sizeof value)) {
+            number = value;
+        }
+        target.WriteDword(name, number);
+        break;
+    }
+    case RegValueType::String:
+    case RegValueType::ExpandString: {
+        CKORString value;
+        if (ReadString(name, value)) {
+            target.WriteString(name, value);
+        }
+        break;
+    }
+    case RegValueType::Binary:
+        if (QueryValue(name, RegValueType::Binary)) {
+            target.WriteBinary(name, m_readBuffer.get(), m_lastDataSize);
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+bool CRegistryKey::CopyTree(const CKORString& destination, const CKORString& exclusion) {
+    if (m_handle == nullptr) {
+        return false;
+    }
+    if (IsExcluded(exclusion)) {
+        return true;
+    }
+    if (!CopyValues(destination)) {
+        return false;
+    }
+
+    TreeWalk walk;
+    CKORString target(destination);
+    EnumSubKeyNames(walk.Push().names);
+    walk.Top().targetLength = target.Length();
+    while (true) {
+        if (!walk.Top().IsDone()) {
+            const CKORString& name = walk.Top().names[walk.Top().next++];
+            if (!EnterSubKey(name)) {
+                OpenResolved(false, false, true);
+                continue;
+            }
+            AppendPathPiece(target, name);
+            if (!IsExcluded(exclusion) && CopyValues(target)) {
+                EnumSubKeyNames(walk.Push().names);
+                walk.Top().targetLength = target.Length();
+                continue;
+            }
+        } else {
+            walk.Pop();
+            if (walk.IsEmpty()) {
+                return true;
+            }
+        }
+        LeaveSubKey();
+        ChangeLength(target, walk.Top().targetLength, L' ');
+    }
+}
+
+bool CRegistryKey::IsExcluded(const CKORString& exclusion) const {
+    const auto length = static_cast<std::size_t>(exclusion.Length());
+    return std::wcsncmp(GetFullName().Text(), exclusion.Text(), length) == 0;
+}

@@ -1,0 +1,156 @@
+#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryCalls.h"
+
+namespace {
+
+using Names = std::vector<std::wstring>;
+
+constexpr wchar_t TestKey[] = L"HKEY_LOCAL_MACHINE\\Software\\KORTests";
+constexpr wchar_t TestSubKey[] = L"Software\\KORTests";
+
+class Enumeration : public test::RegistryTest {
+protected:
+    void SetUp() override {
+        RegistryTest::SetUp();
+        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey);
+    }
+
+    CTable1D<CKORString> m_names;
+};
+
+TEST_F(Enumeration, ListsSubKeysAndValues) {
+    Names expected;
+    for (int i = 0; i < 37; ++i) {
+        const std::wstring number = std::to_wstring(100 + i);
+        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey + (L"\\key" + number));
+        test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"value" + number, test::Dword(1));
+        expected.push_back(number);
+    }
+    CRegistryKey key(TestKey);
+    const auto listed = [&](const wchar_t* prefix) {
+        Names names;
+        for (const std::wstring& name : expected) {
+            names.push_back(prefix + name);
+        }
+        return names;
+    };
+    EXPECT_TRUE(key.EnumSubKeyNames(m_names));
+    EXPECT_EQ(test::Sorted(m_names), listed(L"key"));
+    EXPECT_EQ(m_names.Capacity(), 37);
+    EXPECT_TRUE(key.EnumValueNames(m_names));
+    EXPECT_EQ(test::Sorted(m_names), listed(L"value"));
+    EXPECT_EQ(m_names.Capacity(), 37);
+    EXPECT_EQ(key.GetSubKeyCount(), 37U);
+    EXPECT_EQ(key.GetValueCount(), 37U);
+}
+
+TEST_F(Enumeration, AnEmptyKeyEmptiesTheList) {
+    CRegistryKey key(TestKey);
+    m_names.Add(L"left from before");
+    EXPECT_TRUE(key.EnumSubKeyNames(m_names));
+    EXPECT_EQ(m_names.Count(), 0);
+    m_names.Add(L"left from before");
+    EXPECT_TRUE(key.EnumValueNames(m_names));
+    EXPECT_EQ(m_names.Count(), 0);
+    EXPECT_EQ(key.GetSubKeyCount(), 0U);
+    EXPECT_EQ(key.GetValueCount(), 0U);
+}
+
+TEST_F(Enumeration, AClosedKeyEmptiesTheListToo) {
+    const CRegistryKey key;
+    m_names.Add(L"left from before");
+    EXPECT_FALSE(key.EnumSubKeyNames(m_names));
+    EXPECT_EQ(m_names.Count(), 0);
+    m_names.Add(L"left from before");
+    EXPECT_FALSE(key.EnumValueNames(m_names));
+    EXPECT_EQ(m_names.Count(), 0);
+    EXPECT_EQ(key.GetSubKeyCount(), 0U);
+    EXPECT_EQ(key.GetValueCount(), 0U);
+    EXPECT_FALSE(key.SubKeyExists(L"Software"));
+}
+
+TEST_F(Enumeration, FetchesNamesOnly) {
+    test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\KORTests\\a");
+    test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"b", test::Dword(1));
+    test::RegistryCalls calls;
+    CRegistryKey key(TestKey);
+    calls.Clear();
+    EXPECT_TRUE(key.EnumSubKeyNames(m_names));
+    EXPECT_TRUE(key.EnumValueNames(m_names));
+    EXPECT_EQ(calls.Calls(), (std::vector<std::string>{
+                                 "RegEnumKeyExW(k1, 0, 1024, -, -)",
+                                 "RegEnumKeyExW(k1, 1, 1024, -, -)",
+                                 "RegEnumValueW(k1, 0, 1024, -, -)",
+                                 "RegEnumValueW(k1, 1, 1024, -, -)",
+                             }));
+}
+
+TEST_F(Enumeration, AFailureKeepsTheNamesFoundBefore) {
+    for (const wchar_t* name : {L"a", L"b", L"c"}) {
+        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey + (L"\\" + std::wstring(name)));
+        test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, test::Dword(1));
+    }
+    CRegistryKey key(TestKey);
+    test::RegistryCalls calls;
+    calls.FailCall(3);
+    EXPECT_FALSE(key.EnumSubKeyNames(m_names));
+    EXPECT_EQ(m_names.Count(), 2);
+    calls.FailCall(2);
+    EXPECT_FALSE(key.EnumValueNames(m_names));
+    EXPECT_EQ(m_names.Count(), 1);
+    calls.FailCall(1);
+    EXPECT_FALSE(key.EnumValueNames(m_names));
+    EXPECT_EQ(m_names.Count(), 0);
+    calls.FailCall(1);
+    EXPECT_EQ(key.GetSubKeyCount(), 0U);
+    calls.FailCall(1);
+    EXPECT_EQ(key.GetValueCount(), 0U);
+}
+
+// A name that does not fit adds what the buffer holds, here a part of the name without its end.
+TEST_F(Enumeration, NamesThatDoNotFitAreKeptAsTheyLieInTheBuffer) {
+    CRegistryKey key(TestKey);
+    int calls = 0;
+    HOOK_IMPORT(enumKey, RegEnumKeyExW,
+                [&](HKEY, DWORD, LPWSTR name, LPDWORD length, LPDWORD, LPWSTR, LPDWORD,
+                    PFILETIME) -> LSTATUS {
+                    EXPECT_EQ(*length, 1024U);
+                    *length = 7;
+                    if (calls++ == 0) {
+                        std::fill_n(name, 1024, L'x');
+                        return ERROR_MORE_DATA;
+                    }
+                    return calls == 2 ? LSTATUS{ERROR_MORE_DATA} : LSTATUS{ERROR_NO_MORE_ITEMS};
+                });
+    EXPECT_TRUE(key.EnumSubKeyNames(m_names));
+    ASSERT_EQ(m_names.Count(), 2);
+    EXPECT_EQ(m_names[0].Text(), std::wstring(1024, L'x'));
+    EXPECT_EQ(m_names[1], m_names[0].Text());
+}
+
+TEST_F(Enumeration, ALongValueNameDoesNotEndTheWalk) {
+    test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, std::wstring(2000, L'n'), test::Dword(1));
+    test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"a", test::Dword(1));
+    test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"z", test::Dword(1));
+    CRegistryKey key(TestKey);
+    EXPECT_TRUE(key.EnumValueNames(m_names));
+    EXPECT_EQ(m_names.Count(), 3);
+}
+
+TEST_F(Enumeration, SubKeysExistWhenTheyCanBeOpened) {
+    test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\KORTests\\a\\b");
+    test::RegistryCalls calls;
+    CRegistryKey key(TestKey);
+    calls.Clear();
+    EXPECT_TRUE(key.SubKeyExists(L"a"));
+    EXPECT_EQ(calls.Calls(),
+              (std::vector<std::string>{"RegOpenKeyExW(k1, a, 0, 20019)", "RegCloseKey(k2)"}));
+    EXPECT_TRUE(key.SubKeyExists(L"a\\b"));
+    EXPECT_FALSE(key.SubKeyExists(L"c"));
+    calls.FailCall(1);
+    EXPECT_FALSE(key.SubKeyExists(L"a"));
+    key.Close();
+    EXPECT_EQ(calls.HandleFaults(), "");
+}
+
+} // namespace

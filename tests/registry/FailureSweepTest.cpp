@@ -1,0 +1,264 @@
+// Every operation of the layer with each of its system calls refused in turn: what the operation
+// says, where it leaves the object, that every handle is closed just once and no memory is lost.
+#include <functional>
+#include <iterator>
+#include <memory>
+
+#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryCalls.h"
+#include "tests/support/GuardedMemory.h"
+
+namespace {
+
+constexpr wchar_t UserKey[] = L"HKEY_CURRENT_USER\\Software\\KORTests";
+constexpr wchar_t UserSubKey[] = L"Software\\KORTests";
+
+// Where an operation leaves the object.
+enum Where : char {
+    AtStart = 'S', // open on the key where it was
+    Moved = 'M',   // open on the key that the operation leads to
+    Located = 'L', // closed, but knows the key where it was
+    Away = 'A',    // closed, but knows a key that a walk had entered
+    Gone = 'G',    // closed and reset
+};
+
+struct Operation {
+    const char* name;
+    const wchar_t* start; // null: the operation works on a closed object
+    const wchar_t* end;   // the full name after Moved
+    std::function<bool(CRegistryKey&)> run;
+    // One pair a system call that the undisturbed operation makes: '+' or '-' for its result when
+    // that call fails, and where the object is then.
+    std::string outcomes;
+};
+
+constexpr wchar_t VolatileX[] = L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging "
+                                L"Library\\Development\\volatile\\x";
+
+bool OpenVolatile(CRegistryKey& key) {
+    return key.OpenSymbolic(SymbolicRootId::CurrentUserDevelopment, L"volatile\\x", true);
+}
+
+std::string Times(int count, const char* outcome) {
+    std::string outcomes;
+    for (int i = 0; i < count; ++i) {
+        outcomes += outcome;
+    }
+    return outcomes;
+}
+
+const CKORString Name = L"n";
+const CKORString TextName = L"s";
+const CKORString LongName = L"long";
+
+const Operation Operations[] = {
+    // Opening: the per-user root has a stand-in, everything else is needed.
+    {"Open", nullptr, UserKey, [](CRegistryKey& key) { return key.Open(UserKey, false); }, "+M-G"},
+    {"Open to create", nullptr, UserKey, [](CRegistryKey& key) { return key.Open(UserKey, true); },
+     "+M-G"},
+    // A refused close of the key that is left does not keep the new one from being opened.
+    {"Open again", UserKey, L"HKEY_LOCAL_MACHINE\\Software",
+     [](CRegistryKey& key) { return key.Open(L"HKEY_LOCAL_MACHINE\\Software", false); }, "+M+M-G"},
+    {"OpenSymbolic", nullptr, L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library",
+     [](CRegistryKey& key) {
+         return key.OpenSymbolic(SymbolicRootId::LocalMachineRoot, L"", false);
+     },
+     "-G"},
+    {"ReopenForWrite", UserKey, nullptr, [](CRegistryKey& key) { return key.ReopenForWrite(true); },
+     "-S-S"},
+    {"ReopenForWrite to read", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.ReopenForWrite(false); }, "-S-L"},
+    {"OpenRelative", UserKey, L"HKEY_CURRENT_USER\\Software\\KORTests\\a",
+     [](CRegistryKey& key) { return key.OpenRelative(L"a"); }, "-L-L"},
+    {"Close", UserKey, L"", [](CRegistryKey& key) { return key.Close(); }, "-G-G"},
+    {"Flush", UserKey, nullptr, [](CRegistryKey& key) { return key.Flush(); }, "-S"},
+    {"FlushCreated", UserKey, nullptr, [](CRegistryKey& key) { return key.FlushCreated(); }, "-S"},
+    // Reading.
+    {"ValueExists", UserKey, nullptr, [](CRegistryKey& key) { return key.ValueExists(Name); },
+     "-S"},
+    {"ReadDword", UserKey, nullptr,
+     [](CRegistryKey& key) {
+         std::uint32_t value = 0;
+         return key.ReadDword(Name, value);
+     },
+     "-S-S"},
+    {"ReadString", UserKey, nullptr,
+     [](CRegistryKey& key) {
+         CKORString value;
+         return key.ReadString(TextName, value);
+     },
+     "-S-S-S"},
+    {"ReadString of a long value", UserKey, nullptr,
+     [](CRegistryKey& key) {
+         CKORString value;
+         return key.ReadString(LongName, value);
+     },
+     "-S-S-S-S"},
+    {"ReadBinary", UserKey, nullptr,
+     [](CRegistryKey& key) {
+         BYTE data[8] = {};
+         std::uint64_t size = sizeof data;
+         return key.ReadBinary(L"b", data, size);
+     },
+     "-S-S"},
+    {"GetSubKeyCount", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.GetSubKeyCount() != 0; }, "-S"},
+    {"GetValueCount", UserKey, nullptr, [](CRegistryKey& key) { return key.GetValueCount() != 0; },
+     "-S"},
+    {"EnumSubKeyNames", UserKey, nullptr,
+     [](CRegistryKey& key) {
+         CTable1D<CKORString> names;
+         return key.EnumSubKeyNames(names);
+     },
+     "-S-S-S"},
+    {"EnumValueNames", L"HKEY_CURRENT_USER\\Software\\KORTests\\a", nullptr,
+     [](CRegistryKey& key) {
+         CTable1D<CKORString> names;
+         return key.EnumValueNames(names);
+     },
+     "-S-S"},
+    {"SubKeyExists", UserKey, nullptr, [](CRegistryKey& key) { return key.SubKeyExists(L"a"); },
+     "-S+S"},
+    // Writing: a refused reopening for reading closes the object, a refused one for writing not.
+    {"WriteDword", UserKey, nullptr, [](CRegistryKey& key) { return key.WriteDword(Name, 7U); },
+     "-S-S-S-S-L"},
+    {"WriteQword", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.WriteQword(Name, std::uint64_t{7}); }, "-S-S-S-S-L"},
+    {"WriteString", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.WriteString(Name, TextName); }, "-S-S-S-S-L"},
+    {"WriteExpandString", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.WriteExpandString(Name, TextName); }, "-S-S-S-S-L"},
+    {"WriteBinary", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.WriteBinary(Name, "abc", 3); }, "-S-S-S-S-L"},
+    {"DeleteValue", UserKey, nullptr, [](CRegistryKey& key) { return key.DeleteValue(Name); },
+     "-S-S-S-S-L"},
+    {"CreateSubKey", UserKey, nullptr, [](CRegistryKey& key) { return key.CreateSubKey(L"new"); },
+     "-S-S-S+S-S-L"},
+    // Walking and changing.
+    {"DeleteTree", UserKey, nullptr, [](CRegistryKey& key) { return key.DeleteTree(L"a"); },
+     Times(26, "-S")},
+    {"DeleteSubKey", UserKey, nullptr, [](CRegistryKey& key) { return key.DeleteSubKey(L"a"); },
+     Times(30, "-S") + "-L"},
+    {"DeleteSubKey of a path", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.DeleteSubKey(L"a\\aa"); },
+     "+S" + Times(18, "-S") + "+S+S+S"},
+    {"CopyValues", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.CopyValues(CKORString(UserKey) + L"\\copy"); },
+     Times(4, "+S") + Times(6, "-S") + Times(37, "+S")},
+    {"CopyTree", UserKey, nullptr,
+     [](CRegistryKey& key) {
+         const CKORString target = CKORString(UserKey) + L"\\copy";
+         return key.CopyTree(target, target);
+     },
+     Times(4, "+S") + Times(6, "-S") + Times(103, "+S")},
+    {"ClearCurrentUserVolatile", nullptr, L"",
+     [](CRegistryKey& key) { return key.ClearCurrentUserVolatile(); },
+     "+G+G" + Times(20, "-G") + "+G+G"},
+    {"Open a volatile location", nullptr, VolatileX,
+     [](CRegistryKey& key) { return OpenVolatile(key); },
+     "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G"},
+    {"Write a stamped value", nullptr, VolatileX,
+     [](CRegistryKey& key) { return OpenVolatile(key) && key.WriteDword(Name, 1U); },
+     "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G" + Times(4, "-M") + "-A" +
+         Times(7, "+M")},
+    {"Lock and unlock", nullptr, VolatileX,
+     [](CRegistryKey& key) {
+         return OpenVolatile(key) && key.LockVolatile() && key.UnlockVolatile();
+     },
+     "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G+M" + Times(4, "-M")},
+};
+
+class FailureSweep : public test::RegistryTest {
+protected:
+    static void Prepare() {
+        test::DeleteKey(HKEY_CURRENT_USER, UserSubKey);
+        test::DeleteKey(HKEY_CURRENT_USER, test::Vantrel);
+        test::MakeKey(HKEY_LOCAL_MACHINE, test::Library);
+        const std::wstring base(UserSubKey);
+        test::SetRaw(HKEY_CURRENT_USER, base, L"n", test::Dword(1));
+        test::SetRaw(HKEY_CURRENT_USER, base, L"s", test::Text(REG_SZ, L"text"));
+        test::SetRaw(HKEY_CURRENT_USER, base, L"b", {REG_BINARY, {1, 2, 3}});
+        test::SetRaw(HKEY_CURRENT_USER, base, L"long", test::Text(REG_SZ, std::wstring(900, L'l')));
+        test::SetRaw(HKEY_CURRENT_USER, base + L"\\a", L"v", test::Dword(2));
+        test::SetRaw(HKEY_CURRENT_USER, base + L"\\a\\aa", L"v", test::Dword(3));
+        test::MakeKey(HKEY_CURRENT_USER, base + L"\\b");
+        test::SetRaw(HKEY_CURRENT_USER, test::Runtime + L"\\Volatile\\deep", L"v", test::Dword(4));
+    }
+
+    static char WhereIs(CRegistryKey& key, const CKORString& start, const wchar_t* end) {
+        const CKORString name = key.GetFullName();
+        if (key.IsOpen()) {
+            // Open and readable, not just a number that was once a handle.
+            CTable1D<CKORString> names;
+            EXPECT_TRUE(key.EnumSubKeyNames(names));
+            if (end != nullptr && name == end) {
+                return Moved;
+            }
+            return name == start ? char{AtStart} : '?';
+        }
+        if (name == L"") {
+            return Gone;
+        }
+        return name == start ? Located : Away;
+    }
+};
+
+char WhereItEnds(const Operation& operation) {
+    if (operation.end == nullptr) {
+        return AtStart;
+    }
+    return *operation.end == L'\0' ? Gone : Moved;
+}
+
+TEST_F(FailureSweep, EveryCallOfEveryOperationMayFail) {
+    int tried = 0;
+    for (const Operation& operation : Operations) {
+        SCOPED_TRACE(operation.name);
+        std::string outcomes;
+        for (int n = 1;; ++n) {
+            Prepare();
+            const CKORString start(operation.start);
+            bool result = false;
+            char where = '?';
+            std::string failedCall;
+            std::string faults;
+            const std::int64_t blocks = test::LiveBlocks();
+            {
+                auto calls = std::make_unique<test::RegistryCalls>();
+                auto key = std::make_unique<CRegistryKey>();
+                ASSERT_TRUE(operation.start == nullptr || key->Open(start, false));
+                calls->FailCall(n);
+                result = operation.run(*key);
+                failedCall = calls->FailedCall();
+                calls->FailCall(0);
+                where = WhereIs(*key, start, operation.end);
+                key.reset();
+                faults = calls->HandleFaults();
+            }
+            failedCall.shrink_to_fit();
+            EXPECT_EQ(faults, "") << failedCall;
+            EXPECT_LE(test::LiveBlocks() - blocks,
+                      (failedCall.capacity() > 15 ? 1 : 0) + (faults.capacity() > 15 ? 1 : 0))
+                << failedCall;
+            // A mutex whose release was refused is still this thread's.
+            if (failedCall.find("ReleaseMutex") == 0) {
+                const HANDLE mutex =
+                    OpenMutexW(SYNCHRONIZE, FALSE, L"KOR_CURRENT_USER_RUNTIME_VOLATILE_MUTEX");
+                ReleaseMutex(mutex);
+                CloseHandle(mutex);
+            }
+            if (failedCall.empty()) {
+                EXPECT_TRUE(result) << "undisturbed";
+                EXPECT_EQ(where, WhereItEnds(operation));
+                break;
+            }
+            ++tried;
+            outcomes += result ? '+' : '-';
+            outcomes += where;
+        }
+        EXPECT_EQ(outcomes, operation.outcomes);
+    }
+    std::printf("%d failures tried\n", tried);
+}
+
+} // namespace

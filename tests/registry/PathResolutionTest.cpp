@@ -1,0 +1,221 @@
+// From a textual path to the open key: what the system is asked for, and what the object says then.
+#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryCalls.h"
+
+namespace {
+
+using test::Runtime;
+
+class PathResolution : public test::RegistryTest {};
+
+struct PathRow {
+    const wchar_t* path;
+    const char* opened; // the arguments of the one RegOpenKeyExW
+    const wchar_t* fullName;
+};
+
+constexpr PathRow Paths[] = {
+    {L"M_KOR_HKEY_LOCAL_MACHINE_RUNTIME\\install",
+     "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install",
+     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install"},
+    {L"m_kor_hkey_local_machine_runtime",
+     "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\Runtime",
+     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime"},
+    {L"M_KOR_HKEY_LOCAL_MACHINE_RUNTIME\\",
+     "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\Runtime",
+     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime"},
+    {L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\a\\b\\\\",
+     "k1, Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\a\\b",
+     L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\a\\b"},
+    {L"M_KOR_HKEY_LOCAL_MACHINE_DEVELOPMENT\\x",
+     "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\Development\\x",
+     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Development\\x"},
+    {L"M_KOR_HKEY_CURRENT_USER_DEVELOPMENT\\x",
+     "k1, Software\\Vantrel\\Vantrel Imaging Library\\Development\\x",
+     L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging Library\\Development\\x"},
+    {L"M_KOR_HKEY_LOCAL_MACHINE_IMAGING_BOARD\\x", "HKLM, Software\\Vantrel\\Imaging Board\\x",
+     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Imaging Board\\x"},
+    {L"M_KOR_HKEY_COMMON_TOOLS_FOLDER\\x",
+     "HKLM, Software\\Wow6432Node\\Vantrel\\Vantrel Imaging Tools\\x",
+     L"HKEY_LOCAL_MACHINE\\Software\\Wow6432Node\\Vantrel\\Vantrel Imaging Tools\\x"},
+    {L"M_KOR_HKEY_LOCAL_MACHINE_ROOT\\x", "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\x",
+     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\x"},
+    {L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Imaging Library",
+     "HKLM, SOFTWARE\\Vantrel\\Vantrel Imaging Library",
+     L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Imaging Library"},
+    {L"hkey_users", "HKU, ", L"HKEY_USERS"},
+    {L"HKEY_LOCAL_MACHINE\\Software/a", "HKLM, Software/a", L"HKEY_LOCAL_MACHINE\\Software/a"},
+    {L"HKEY_CLASSES_ROOT\\KORTests", "HKCR, KORTests", L"HKEY_CLASSES_ROOT\\KORTests"},
+    {L"HKEY_CURRENT_CONFIG\\KORTests", "HKCC, KORTests", L"HKEY_CURRENT_CONFIG\\KORTests"},
+    {L"HKEY_DYN_DATA\\KORTests", "HKDD, KORTests", L"HKEY_DYN_DATA\\KORTests"},
+    {L"HKEY_PERFORMANCE_DATA\\KORTests", "HKPD, KORTests", L"HKEY_PERFORMANCE_DATA\\KORTests"},
+};
+
+// The open that the object made last, made to succeed whether the key exists or not.
+struct OpenResult {
+    std::string arguments;
+    bool isOpen;
+    CKORString fullName;
+};
+
+OpenResult OpenAnyhow(CRegistryKey& key, const CKORString& path) {
+    test::RegistryCalls calls;
+    std::string arguments;
+    HOOK_IMPORT(open, RegOpenKeyExW,
+                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
+                    open.Original(root, subKey, options, access, result);
+                    arguments = calls.Calls().back();
+                    return open.Original(HKEY_LOCAL_MACHINE, L"Software", options, access, result);
+                });
+    const bool isOpen = key.Open(path, false);
+    OpenResult opened{arguments, isOpen, key.GetFullName()};
+    key.Close();
+    return opened;
+}
+
+TEST_F(PathResolution, EveryRootOpensItsKey) {
+    for (const PathRow& row : Paths) {
+        CRegistryKey key;
+        const OpenResult opened = OpenAnyhow(key, row.path);
+        EXPECT_EQ(opened.arguments, "RegOpenKeyExW(" + std::string(row.opened) + ", 0, 20019)");
+        EXPECT_TRUE(opened.isOpen);
+        EXPECT_EQ(opened.fullName, row.fullName);
+    }
+}
+
+struct IdRow {
+    std::uint32_t id;
+    bool rtx;
+    const char* opened;
+};
+
+constexpr IdRow Ids[] = {
+    {1, false, "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\s"},
+    {1, true,
+     "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\RTX\\Vantrel Imaging Library\\Runtime\\s"},
+    {2, false, "k1, Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\s"},
+    {2, true,
+     "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\RTXUser\\Vantrel Imaging "
+     "Library\\Runtime\\s"},
+    {6, false, "k1, Software\\Vantrel\\Imaging Board\\s"},
+    {6, true, "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\RTXUser\\Imaging Board\\s"},
+    {7, true,
+     "HKLM, Software\\Wow6432Node\\Vantrel\\Vantrel Imaging Library\\RTX\\Vantrel Imaging "
+     "Tools\\s"},
+    {8, false, "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\s"},
+    {0, false, "null, s"},
+    {9, false, "null, s"},
+    {9, true, "null, s"},
+};
+
+TEST_F(PathResolution, IdsOpenTheirKeysInBothLayouts) {
+    for (const IdRow& row : Ids) {
+        CRegistryKey::SetRtxMode(row.rtx);
+        CRegistryKey key;
+        test::RegistryCalls calls;
+        EXPECT_FALSE(key.OpenSymbolic(static_cast<SymbolicRootId>(row.id), L"s", false));
+        const std::string expected = "RegOpenKeyExW(" + std::string(row.opened) + ", 0, 20019)";
+        EXPECT_EQ(calls.CountOf("RegOpenKeyExW"), 1);
+        EXPECT_NE(std::find(calls.Calls().begin(), calls.Calls().end(), expected),
+                  calls.Calls().end())
+            << expected << " in " << testing::PrintToString(calls.Calls());
+        EXPECT_FALSE(key.IsOpen());
+        EXPECT_EQ(key.GetFullName(), L"");
+    }
+}
+
+TEST_F(PathResolution, ShortFormsOpenTheRuntimeRoots) {
+    test::MakeKey(HKEY_LOCAL_MACHINE, Runtime + L"\\m");
+    test::MakeKey(HKEY_CURRENT_USER, Runtime + L"\\u");
+    CRegistryKey key;
+    EXPECT_TRUE(key.OpenLocalMachineRuntime(L"m", false));
+    EXPECT_FALSE(key.OpenLocalMachineRuntime(L"u", false));
+    EXPECT_TRUE(key.OpenCurrentUserRuntime(L"u", false));
+    EXPECT_FALSE(key.OpenCurrentUserRuntime(L"m", false));
+    EXPECT_TRUE(key.OpenCurrentUserRuntime(L"made\\here", true));
+    EXPECT_TRUE(test::KeyExists(HKEY_CURRENT_USER, Runtime + L"\\made\\here"));
+}
+
+// The layout is the object's own from its construction on.
+TEST_F(PathResolution, LayoutIsTakenAtConstruction) {
+    EXPECT_FALSE(CRegistryKey::RtxMode());
+    CRegistryKey plain;
+    CRegistryKey::SetRtxMode(true);
+    EXPECT_TRUE(CRegistryKey::RtxMode());
+    CRegistryKey rtx;
+    CRegistryKey::SetRtxMode(false);
+
+    EXPECT_EQ(OpenAnyhow(plain, L"M_KOR_HKEY_LOCAL_MACHINE_ROOT").fullName,
+              L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library");
+    EXPECT_EQ(OpenAnyhow(rtx, L"M_KOR_HKEY_LOCAL_MACHINE_ROOT").fullName,
+              L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\RTX\\Vantrel "
+              L"Imaging Library");
+}
+
+TEST_F(PathResolution, WrongRootsLeaveTheKeyReset) {
+    for (const wchar_t* path : {L"HKLM\\SOFTWARE", L"", L"\\", L"\\Software", L"HKEY_LOCAL_MACHIN",
+                                L"HKEY_LOCAL_MACHINE/Software", L"Software"}) {
+        CRegistryKey key(L"HKEY_LOCAL_MACHINE\\Software");
+        ASSERT_TRUE(key.IsOpen());
+        {
+            test::RegistryCalls calls;
+            EXPECT_FALSE(key.Open(path, true));
+            EXPECT_EQ(calls.Calls(), std::vector<std::string>{"RegCloseKey(?)"});
+        }
+        EXPECT_FALSE(key.IsOpen());
+        EXPECT_EQ(key.GetFullName(), L"");
+    }
+}
+
+TEST_F(PathResolution, RefusedVolatilePathsOpenNothing) {
+    test::MakeKey(HKEY_CURRENT_USER, Runtime + L"\\a\\volatile");
+    CRegistryKey key;
+    test::RegistryCalls calls;
+    EXPECT_FALSE(key.Open(L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\a\\volatile", false));
+    EXPECT_FALSE(key.Open(L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\NonVolatile", true));
+    EXPECT_FALSE(key.Open(L"HKEY_USERS\\x\\volatile", true));
+    EXPECT_FALSE(key.Open(L"HKEY_LOCAL_MACHINE\\volatile", false));
+    EXPECT_FALSE(key.Open(L"HKLM\\volatile\\x", false));
+    EXPECT_TRUE(calls.Calls().empty()) << testing::PrintToString(calls.Calls());
+    EXPECT_EQ(key.GetFullName(), L"");
+}
+
+TEST_F(PathResolution, OtherVolatileKeysAreReadAsOrdinaryOnes) {
+    test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\my volatile key");
+    CRegistryKey key;
+    EXPECT_TRUE(key.Open(L"HKEY_CURRENT_USER\\Software\\KORTests\\my volatile key", false));
+    EXPECT_FALSE(key.LockVolatile());
+    EXPECT_FALSE(key.Open(L"HKEY_CURRENT_USER\\Software\\KORTests\\my volatile key", true));
+}
+
+TEST_F(PathResolution, OpeningAgainClosesFirst) {
+    test::MakeKey(HKEY_CURRENT_USER, Runtime);
+    test::RegistryCalls calls;
+    {
+        CRegistryKey key(L"M_KOR_HKEY_CURRENT_USER_RUNTIME");
+        EXPECT_TRUE(key.IsOpen());
+        EXPECT_TRUE(key.Open(L"HKEY_LOCAL_MACHINE\\Software", false));
+        EXPECT_TRUE(key.OpenSymbolic(SymbolicRootId::CurrentUserRuntime, L"", false));
+    }
+    const std::string runtime = "Software\\Vantrel\\Vantrel Imaging Library\\Runtime";
+    EXPECT_EQ(calls.Calls(), (std::vector<std::string>{
+                                 "RegOpenCurrentUser(f003f)",
+                                 "RegOpenKeyExW(k1, " + runtime + ", 0, 20019)",
+                                 "RegCloseKey(k2)",
+                                 "RegCloseKey(k1)",
+                                 "RegOpenKeyExW(HKLM, Software, 0, 20019)",
+                                 "RegCloseKey(k3)",
+                                 "RegOpenCurrentUser(f003f)",
+                                 "RegOpenKeyExW(k4, " + runtime + ", 0, 20019)",
+                                 "RegCloseKey(k5)",
+                                 "RegCloseKey(k4)",
+                             }));
+    EXPECT_EQ(calls.HandleFaults(), "");
+}
+
+TEST_F(PathResolution, FullNameOfAResetKeyIsEmpty) {
+    const CRegistryKey key;
+    EXPECT_EQ(key.GetFullName(), L"");
+}
+
+} // namespace

@@ -1,0 +1,104 @@
+#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryCalls.h"
+
+namespace {
+
+constexpr wchar_t Start[] = L"HKEY_CURRENT_USER\\Software\\KORTests\\a\\b";
+
+class RelativeMoves : public test::RegistryTest {
+protected:
+    void SetUp() override {
+        RegistryTest::SetUp();
+        test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\a\\b\\c\\d");
+        test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\a\\e");
+        test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\a\\b\\x\\..\\y");
+    }
+};
+
+struct MoveRow {
+    const wchar_t* path;
+    const wchar_t* end; // below HKEY_CURRENT_USER; null: the move fails
+};
+
+constexpr MoveRow Moves[] = {
+    {L"c", L"\\Software\\KORTests\\a\\b\\c"},
+    {L"c\\d", L"\\Software\\KORTests\\a\\b\\c\\d"},
+    {L"c\\d\\", L"\\Software\\KORTests\\a\\b\\c\\d"},
+    {L"..", L"\\Software\\KORTests\\a"},
+    {L"..\\", L"\\Software\\KORTests\\a"},
+    {L"..\\e", L"\\Software\\KORTests\\a\\e"},
+    {L"..\\..", L"\\Software\\KORTests"},
+    {L"..\\..\\a\\e", L"\\Software\\KORTests\\a\\e"},
+    {L"..\\..\\..\\..", L""},
+    {L"\\", L""},
+    {L"\\Software", L"\\Software"},
+    {L"\\\\Software", L"\\Software"},
+    {L"..\\\\Software", L"\\Software"},
+    // Further on ".." is the name of a key.
+    {L"x\\..\\y", L"\\Software\\KORTests\\a\\b\\x\\..\\y"},
+    {L"c\\..\\c", nullptr},
+    {L"...", nullptr},
+    {L"..c", nullptr},
+    {L".", nullptr},
+    {L"", nullptr},
+    {L"missing", nullptr},
+    {L"\\missing", nullptr},
+    {L"..\\missing", nullptr},
+    {L"..\\..\\..\\..\\..", nullptr},
+    {L"\\..", nullptr},
+};
+
+TEST_F(RelativeMoves, FollowThePathFromItsLeft) {
+    for (const MoveRow& row : Moves) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(row.path)));
+        test::RegistryCalls calls;
+        {
+            CRegistryKey key(Start);
+            ASSERT_TRUE(key.IsOpen());
+            const bool moved = row.end != nullptr;
+            EXPECT_EQ(key.OpenRelative(row.path), moved);
+            EXPECT_EQ(key.IsOpen(), moved);
+            EXPECT_EQ(key.GetFullName(),
+                      moved ? CKORString(L"HKEY_CURRENT_USER") + row.end : CKORString(Start));
+        }
+        EXPECT_EQ(calls.HandleFaults(), "");
+    }
+}
+
+TEST_F(RelativeMoves, CloseAndOpenForReadingOnly) {
+    test::RegistryCalls calls;
+    CRegistryKey key(Start);
+    calls.Clear();
+    EXPECT_TRUE(key.OpenRelative(L"c"));
+    EXPECT_EQ(calls.Calls(),
+              (std::vector<std::string>{
+                  "RegCloseKey(k2)", "RegOpenKeyExW(k1, Software\\KORTests\\a\\b\\c, 0, 20019)"}));
+}
+
+// The object stays where it was and can be moved on from there.
+TEST_F(RelativeMoves, GoOnAfterAFailure) {
+    CRegistryKey key(Start);
+    EXPECT_FALSE(key.OpenRelative(L"missing"));
+    EXPECT_FALSE(key.IsOpen());
+    EXPECT_EQ(key.GetFullName(), Start);
+    EXPECT_TRUE(key.OpenRelative(L".."));
+    EXPECT_EQ(key.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\a");
+    EXPECT_TRUE(key.SubKeyExists(L"b"));
+}
+
+TEST_F(RelativeMoves, UpwardsFromTheRootFails) {
+    CRegistryKey key(L"HKEY_LOCAL_MACHINE");
+    EXPECT_FALSE(key.OpenRelative(L".."));
+    EXPECT_EQ(key.GetFullName(), L"HKEY_LOCAL_MACHINE");
+    EXPECT_TRUE(key.OpenRelative(L"Software"));
+    EXPECT_EQ(key.GetFullName(), L"HKEY_LOCAL_MACHINE\\Software");
+}
+
+TEST_F(RelativeMoves, AResetKeyGoesNowhere) {
+    CRegistryKey key;
+    EXPECT_FALSE(key.OpenRelative(L"Software"));
+    EXPECT_FALSE(key.OpenRelative(L".."));
+    EXPECT_EQ(key.GetFullName(), L"");
+}
+
+} // namespace

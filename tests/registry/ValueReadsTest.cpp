@@ -1,0 +1,468 @@
+#include "registry/KeyHandles.h"
+#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryCalls.h"
+#include "tests/support/GuardedMemory.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr wchar_t TestKey[] = L"HKEY_LOCAL_MACHINE\\Software\\KORTests";
+constexpr wchar_t TestSubKey[] = L"Software\\KORTests";
+
+class ValueReads : public test::RegistryTest {
+protected:
+    void SetUp() override {
+        RegistryTest::SetUp();
+        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey);
+        ASSERT_TRUE(m_key.Open(TestKey, false));
+    }
+
+    static void Set(const std::wstring& name, const test::RawValue& value) {
+        test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, value);
+    }
+
+    CRegistryKey m_key;
+};
+
+// Each read of each type; what a read may not take leaves the output alone.
+struct TypeRow {
+    const wchar_t* name;
+    test::RawValue value;
+    RegValueType type;
+    const wchar_t* text; // null: not a text
+    bool isDword;
+    bool isQword;
+    bool isBinary;
+};
+
+TEST_F(ValueReads, TakeTheirOwnTypeOnly) {
+    const std::vector<BYTE> four = {1, 0, 0, 0};
+    const std::vector<BYTE> eight = {2, 0, 0, 0, 0, 0, 0, 0};
+    const TypeRow rows[] = {
+        {L"dword", {REG_DWORD, four}, RegValueType::Dword, nullptr, true, false, false},
+        {L"qword", {REG_QWORD, eight}, RegValueType::Qword, nullptr, false, true, false},
+        {L"long dword", {REG_DWORD, eight}, RegValueType::Dword, nullptr, false, false, false},
+        {L"short qword", {REG_QWORD, four}, RegValueType::Qword, nullptr, false, false, false},
+        {L"empty dword", {REG_DWORD, {}}, RegValueType::Dword, nullptr, false, false, false},
+        {L"binary4", {REG_BINARY, four}, RegValueType::Binary, nullptr, false, false, true},
+        {L"binary8", {REG_BINARY, eight}, RegValueType::Binary, nullptr, false, false, true},
+        {L"binary0", {REG_BINARY, {}}, RegValueType::Binary, nullptr, false, false, true},
+        {L"text", test::Text(REG_SZ, L"ab"), RegValueType::String, L"ab", false, false, false},
+        {L"expand", test::Text(REG_EXPAND_SZ, L"%TEMP%"), RegValueType::ExpandString, L"%TEMP%",
+         false, false, false},
+        {L"multi", test::Text(REG_MULTI_SZ, std::wstring(L"a\0b\0", 4)), RegValueType::MultiString,
+         L"<a> <b>", false, false, false},
+        {L"none", {REG_NONE, four}, RegValueType::Unknown, nullptr, false, false, false},
+        {L"big endian",
+         {REG_DWORD_BIG_ENDIAN, four},
+         RegValueType::Unknown,
+         nullptr,
+         false,
+         false,
+         false},
+        {L"link", {REG_LINK, four}, RegValueType::Unknown, nullptr, false, false, false},
+        {L"strange", {0x1234, four}, RegValueType::Unknown, nullptr, false, false, false},
+    };
+    for (const TypeRow& row : rows) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(row.name)));
+        Set(row.name, row.value);
+        EXPECT_TRUE(m_key.ValueExists(row.name));
+        for (std::uint32_t type = 0; type <= 7; ++type) {
+            EXPECT_EQ(m_key.QueryValue(row.name, static_cast<RegValueType>(type)),
+                      type != 0 && static_cast<RegValueType>(type) == row.type)
+                << type;
+        }
+
+        std::uint32_t u32 = 0xdeadbeef;
+        std::int32_t i32 = -77;
+        std::int64_t wideSigned = -77;
+        std::uint64_t wideUnsigned = 77;
+        EXPECT_EQ(m_key.ReadDword(row.name, u32), row.isDword);
+        EXPECT_EQ(m_key.ReadDword(row.name, i32), row.isDword);
+        EXPECT_EQ(m_key.ReadDwordAsInt64(row.name, wideSigned), row.isDword);
+        EXPECT_EQ(m_key.ReadDwordAsUInt64(row.name, wideUnsigned), row.isDword);
+        EXPECT_EQ(u32, row.isDword ? 1U : 0xdeadbeefU);
+        EXPECT_EQ(i32, row.isDword ? 1 : -77);
+        EXPECT_EQ(wideSigned, row.isDword ? 1 : -77);
+        EXPECT_EQ(wideUnsigned, row.isDword ? 1U : 77U);
+        EXPECT_EQ(m_key.ReadQword(row.name, wideSigned), row.isQword);
+        EXPECT_EQ(m_key.ReadQword(row.name, wideUnsigned), row.isQword);
+        EXPECT_EQ(wideUnsigned, row.isQword ? 2U : (row.isDword ? 1U : 77U));
+
+        CKORString text(L"untouched");
+        EXPECT_EQ(m_key.ReadString(row.name, text), row.text != nullptr);
+        EXPECT_EQ(text, row.text != nullptr ? row.text : L"untouched");
+
+        BYTE buffer[16] = {0xee, 0xee, 0xee, 0xee, 0xee, 0xee, 0xee, 0xee, 0xee};
+        std::uint64_t size = sizeof buffer;
+        EXPECT_EQ(m_key.ReadBinary(row.name, buffer, size), row.isBinary);
+        EXPECT_EQ(size, row.value.data.size());
+        EXPECT_EQ(buffer[row.isBinary ? size : 0], 0xee) << "not a byte more than the value has";
+        EXPECT_TRUE(!row.isBinary ||
+                    std::equal(row.value.data.begin(), row.value.data.end(), buffer));
+    }
+}
+
+TEST_F(ValueReads, NumbersAreWidenedWithTheirSign) {
+    Set(L"n", test::Dword(0xfffffffe));
+    std::uint32_t u32 = 0;
+    std::int32_t i32 = 0;
+    std::int64_t wideSigned = 0;
+    std::uint64_t wideUnsigned = 0;
+    EXPECT_TRUE(m_key.ReadDword(L"n", u32));
+    EXPECT_TRUE(m_key.ReadDword(L"n", i32));
+    EXPECT_TRUE(m_key.ReadDwordAsInt64(L"n", wideSigned));
+    EXPECT_TRUE(m_key.ReadDwordAsUInt64(L"n", wideUnsigned));
+    EXPECT_EQ(u32, 0xfffffffeU);
+    EXPECT_EQ(i32, -2);
+    EXPECT_EQ(wideSigned, -2);
+    EXPECT_EQ(wideUnsigned, 0xfffffffeU);
+    Set(L"q", test::Qword(0xfffffffffffffffdU));
+    EXPECT_TRUE(m_key.ReadQword(L"q", wideSigned));
+    EXPECT_TRUE(m_key.ReadQword(L"q", wideUnsigned));
+    EXPECT_EQ(wideSigned, -3);
+    EXPECT_EQ(wideUnsigned, 0xfffffffffffffffdU);
+}
+
+TEST_F(ValueReads, MissingValuesAndClosedKeysGiveNothing) {
+    CRegistryKey closed;
+    for (CRegistryKey* key : {&m_key, &closed}) {
+        std::uint32_t number = 3;
+        CKORString text(L"untouched");
+        EXPECT_FALSE(key->ValueExists(L"missing"));
+        EXPECT_FALSE(key->QueryValue(L"missing", RegValueType::Dword));
+        EXPECT_FALSE(key->ReadDword(L"missing", number));
+        EXPECT_FALSE(key->ReadString(L"missing", text));
+        EXPECT_EQ(number, 3U);
+        EXPECT_EQ(text, L"untouched");
+    }
+    std::uint64_t size = 5;
+    BYTE buffer[5];
+    EXPECT_FALSE(closed.ReadBinary(L"missing", buffer, size));
+    EXPECT_EQ(size, 5U);
+}
+
+TEST_F(ValueReads, TheDefaultValueHasNoName) {
+    Set(L"", test::Text(REG_SZ, L"default"));
+    CKORString text;
+    EXPECT_TRUE(m_key.ValueExists(L""));
+    EXPECT_TRUE(m_key.ReadString(L"", text));
+    EXPECT_EQ(text, L"default");
+}
+
+TEST_F(ValueReads, BinaryTellsTheSizeThatIsNeeded) {
+    Set(L"eight", {REG_BINARY, {1, 2, 3, 4, 5, 6, 7, 8}});
+    BYTE buffer[8] = {0xee, 0xee, 0xee};
+    std::uint64_t size = 2;
+    EXPECT_FALSE(m_key.ReadBinary(L"eight", buffer, size));
+    EXPECT_EQ(size, 8U);
+    EXPECT_EQ(buffer[0], 0xee);
+    EXPECT_TRUE(m_key.ReadBinary(L"eight", buffer, size));
+    EXPECT_EQ(size, 8U);
+    EXPECT_EQ(buffer[7], 8);
+    size = 8;
+    EXPECT_FALSE(m_key.ReadBinary(L"missing", buffer, size));
+    EXPECT_EQ(size, 8U) << "the size of the value read before";
+}
+
+TEST_F(ValueReads, LongStringsGrowTheBufferOnce) {
+    const std::wstring text(1499, L'x');
+    Set(L"long", test::Text(REG_SZ, text));
+    Set(L"short", test::Text(REG_SZ, L"s"));
+    test::RegistryCalls calls;
+    CRegistryKey key(TestKey);
+    calls.Clear();
+    CKORString read;
+    EXPECT_TRUE(key.ReadString(L"long", read));
+    EXPECT_EQ(read.Text(), text);
+    EXPECT_EQ(calls.Calls(), (Lines{"RegQueryValueExW(k1, long, -, type, -, -)",
+                                    "RegQueryValueExW(k1, long, -, -, -, 0)",
+                                    "RegQueryValueExW(k1, long, -, type, data, 1024)",
+                                    "RegQueryValueExW(k1, long, -, type, data, 3000)"}));
+    calls.Clear();
+    EXPECT_TRUE(key.ReadString(L"long", read));
+    EXPECT_TRUE(key.ReadString(L"short", read));
+    EXPECT_EQ(read, L"s");
+    EXPECT_EQ(calls.Calls(), (Lines{"RegQueryValueExW(k1, long, -, type, -, -)",
+                                    "RegQueryValueExW(k1, long, -, -, -, 0)",
+                                    "RegQueryValueExW(k1, long, -, type, data, 3000)",
+                                    "RegQueryValueExW(k1, short, -, type, -, -)",
+                                    "RegQueryValueExW(k1, short, -, -, -, 0)",
+                                    "RegQueryValueExW(k1, short, -, type, data, 3000)"}));
+}
+
+TEST_F(ValueReads, EachReadMakesItsCallsInOrder) {
+    Set(L"n", test::Dword(1));
+    test::RegistryCalls calls;
+    CRegistryKey key(TestKey);
+    calls.Clear();
+    std::uint32_t number = 0;
+    EXPECT_TRUE(key.ReadDword(L"n", number));
+    EXPECT_EQ(calls.Calls(), (Lines{"RegQueryValueExW(k1, n, -, -, -, 0)",
+                                    "RegQueryValueExW(k1, n, -, type, data, 1024)"}));
+    calls.Clear();
+    EXPECT_FALSE(key.QueryValue(L"missing", RegValueType::Dword));
+    EXPECT_EQ(calls.Calls(), Lines{"RegQueryValueExW(k1, missing, -, -, -, 0)"});
+    calls.Clear();
+    CKORString text;
+    EXPECT_FALSE(key.ReadString(L"n", text));
+    EXPECT_EQ(calls.Calls(), Lines{"RegQueryValueExW(k1, n, -, type, -, -)"});
+    calls.Clear();
+    EXPECT_TRUE(key.ValueExists(L"n"));
+    EXPECT_EQ(calls.Calls(), Lines{"RegQueryValueExW(k1, n, -, -, -, 0)"});
+    calls.Clear();
+    EXPECT_EQ(key.GetSubKeyCount(), 0U);
+    EXPECT_EQ(key.GetValueCount(), 1U);
+    EXPECT_EQ(calls.Calls(),
+              (Lines{"RegQueryInfoKeyW(k1, subkeys, -)", "RegQueryInfoKeyW(k1, -, values)"}));
+}
+
+struct ItemsRow {
+    std::wstring data;
+    bool terminated;
+    const wchar_t* text;
+};
+
+// What the system gives back for a query into a buffer, as the tests say; it adds terminators
+// itself.
+class Answer {
+public:
+    Answer(DWORD registryType, std::vector<BYTE> data)
+        : m_type(registryType), m_data(std::move(data)),
+          m_query(
+              "RegQueryValueExW",
+              [this](HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE buffer, LPDWORD size) -> LSTATUS {
+                  const auto needed = static_cast<DWORD>(m_data.size());
+                  const bool fits = buffer == nullptr || *size >= needed;
+                  if (type != nullptr) {
+                      *type = m_type;
+                  }
+                  if (buffer != nullptr && fits) {
+                      std::fill_n(buffer, *size, BYTE{0x41});
+                      std::copy(m_data.begin(), m_data.end(), buffer);
+                  }
+                  if (size != nullptr) {
+                      *size = needed;
+                  }
+                  return fits ? LSTATUS{ERROR_SUCCESS} : LSTATUS{ERROR_MORE_DATA};
+              }) {}
+
+private:
+    DWORD m_type;
+    std::vector<BYTE> m_data;
+    test::ImportHook<struct AnswerTag, decltype(&RegQueryValueExW)> m_query;
+};
+
+TEST_F(ValueReads, MultiStringsAreReadItemByItem) {
+    const ItemsRow rows[] = {
+        {std::wstring(L"x\0y\0z\0", 6), true, L"<x> <y> <z>"},
+        {std::wstring(L"a\0b\0", 4), true, L"<a> <b>"},
+        {std::wstring(L"a\0", 2), true, L"<a>"},
+        {std::wstring(L"a", 1), true, L"<a>"},
+        {std::wstring(L"a", 1), false, L"<a>"},
+        {std::wstring(L"a\0b", 3), false, L"<a> <b>"},
+        {std::wstring(L"a\0\0b\0", 5), true, L"<a>"},
+        {std::wstring(L"\0a\0", 3), true, L"<>"},
+        {std::wstring(), true, L"<>"},
+        {std::wstring(), false, L"<>"},
+        {std::wstring(L"one item\0two", 12), false, L"<one item> <two>"},
+    };
+    for (const ItemsRow& row : rows) {
+        const Answer answer(REG_MULTI_SZ, test::Bytes(row.data, row.terminated));
+        CKORString text;
+        EXPECT_TRUE(m_key.ReadString(L"m", text));
+        EXPECT_EQ(text, row.text);
+        EXPECT_EQ(text.Count(), text.Length() + 1);
+    }
+}
+
+TEST_F(ValueReads, StringsEndWithTheirData) {
+    struct TextRow {
+        std::vector<BYTE> data;
+        std::wstring text;
+    };
+    std::vector<BYTE> odd = test::Bytes(L"ab", false);
+    odd.push_back('c');
+    const TextRow rows[] = {
+        {{}, L""},
+        {{'a'}, L""},
+        {test::Bytes(L"a", false), L"a"},
+        {odd, L"ab"},
+        {test::Bytes(L"ab", true), L"ab"},
+        {test::Bytes(std::wstring(L"ab\0cd", 5), true), L"ab"},
+        {test::Bytes(std::wstring(512, L'y'), false), std::wstring(512, L'y')},
+        {test::Bytes(std::wstring(513, L'y'), false), std::wstring(513, L'y')},
+        {test::Bytes(std::wstring(9000, L'y'), false), std::wstring(9000, L'y')},
+    };
+    for (const DWORD type : {DWORD{REG_SZ}, DWORD{REG_EXPAND_SZ}}) {
+        for (const TextRow& row : rows) {
+            const Answer answer(type, row.data);
+            CRegistryKey key(TestKey);
+            CKORString text(L"before");
+            EXPECT_TRUE(key.ReadString(L"s", text));
+            EXPECT_EQ(text.Text(), row.text);
+            EXPECT_EQ(text.Length(), static_cast<std::int64_t>(row.text.size()));
+        }
+    }
+}
+
+// A value that grows between the two queries, and stays too long for the second one.
+TEST_F(ValueReads, MoreDataAfterTheBufferGrewIsAFailure) {
+    DWORD reported = 2000;
+    HOOK_IMPORT(query, RegQueryValueExW,
+                [&](HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE buffer, LPDWORD size) -> LSTATUS {
+                    if (type != nullptr) {
+                        *type = REG_BINARY;
+                    }
+                    if (buffer == nullptr) {
+                        return ERROR_SUCCESS;
+                    }
+                    EXPECT_EQ(*size, reported == 2000 ? 1024U : 2000U);
+                    *size = reported;
+                    reported += 100;
+                    return ERROR_MORE_DATA;
+                });
+    std::uint64_t size = 1;
+    BYTE buffer[1];
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(m_key.ReadBinary(L"b", buffer, size));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << "the trace line is never written";
+    EXPECT_EQ(size, 2100U) << "the size last reported";
+}
+
+TEST_F(ValueReads, EveryQueryMayFail) {
+    Set(L"long", {REG_BINARY, std::vector<BYTE>(2000, 7)});
+    for (int failing = 1; failing <= 3; ++failing) {
+        CRegistryKey key(TestKey);
+        std::vector<BYTE> buffer(2000);
+        std::uint64_t size = buffer.size();
+        test::RegistryCalls calls;
+        calls.FailCall(failing);
+        EXPECT_FALSE(key.ReadBinary(L"long", buffer.data(), size)) << failing;
+        EXPECT_NE(calls.FailedCall(), "");
+        EXPECT_TRUE(key.ReadBinary(L"long", buffer.data(), size = buffer.size()));
+    }
+}
+
+TEST_F(ValueReads, WithoutMemoryForTheBufferAReadFails) {
+    Set(L"long", {REG_BINARY, std::vector<BYTE>(2000, 7)});
+    const CKORString name(L"long");
+    std::vector<BYTE> buffer(2000);
+    for (int failing = 1; failing <= 2; ++failing) {
+        CRegistryKey key(TestKey);
+        std::uint64_t size = buffer.size();
+        {
+            const test::AllocationFailure failure(failing);
+            EXPECT_FALSE(key.ReadBinary(name, buffer.data(), size));
+            EXPECT_TRUE(failure.Happened());
+        }
+        EXPECT_EQ(size, failing == 1 ? 0U : 2000U);
+        EXPECT_TRUE(key.ReadBinary(name, buffer.data(), size = buffer.size()));
+        EXPECT_EQ(buffer[1999], 7);
+    }
+}
+
+TEST_F(ValueReads, TypesAreToldWithoutReading) {
+    Set(L"n", test::Dword(1));
+    Set(L"strange", {0x1234, {1}});
+    HKEY raw = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, TestSubKey, 0, KEY_READ, &raw));
+    RegValueType type = RegValueType::Binary;
+    EXPECT_TRUE(CRegistryKey::GetValueType(raw, L"n", type));
+    EXPECT_EQ(type, RegValueType::Dword);
+    EXPECT_FALSE(CRegistryKey::GetValueType(raw, L"missing", type));
+    EXPECT_EQ(type, RegValueType::Dword);
+    EXPECT_FALSE(CRegistryKey::GetValueType(raw, L"strange", type));
+    EXPECT_EQ(type, RegValueType::Unknown);
+    RegCloseKey(raw);
+}
+
+struct TracedRead {
+    bool result;
+    RegValueType type;
+    std::uint64_t size;
+    bool hasMoreData;
+    std::string printed;
+};
+
+TracedRead ReadTraced(HKEY key, const wchar_t* name, RegValueType type, void* buffer,
+                      std::uint64_t size) {
+    TracedRead read{false, type, size, true, {}};
+    testing::internal::CaptureStdout();
+    read.result =
+        CRegistryKey::QueryValueTraced(key, name, read.type, buffer, read.size, read.hasMoreData);
+    read.printed = testing::internal::GetCapturedStdout();
+    return read;
+}
+
+TEST_F(ValueReads, TracedReadsTellEverything) {
+    Set(L"number", test::Dword(0x01020304));
+    Set(L"bytes", {REG_BINARY, {9, 8, 7}});
+    Set(L"strange", {0x1234, {1}});
+    HKEY raw = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, TestSubKey, 0, KEY_READ, &raw));
+    BYTE buffer[8] = {};
+
+    TracedRead read = ReadTraced(raw, L"number", RegValueType::Dword, buffer, sizeof buffer);
+    EXPECT_TRUE(read.result);
+    EXPECT_EQ(read.type, RegValueType::Dword);
+    EXPECT_EQ(read.size, 4U);
+    EXPECT_FALSE(read.hasMoreData);
+    EXPECT_EQ(buffer[0], 4);
+    EXPECT_EQ(read.printed, "");
+
+    // Asking for binary writes the line, whatever the value is.
+    read = ReadTraced(raw, L"number", RegValueType::Binary, buffer, sizeof buffer);
+    EXPECT_TRUE(read.result);
+    EXPECT_EQ(read.type, RegValueType::Dword);
+    EXPECT_EQ(read.printed, "Read value: number, type is 4, retval 0\n");
+
+    read = ReadTraced(raw, L"bytes", RegValueType::Binary, buffer, 2);
+    EXPECT_FALSE(read.result);
+    EXPECT_EQ(read.type, RegValueType::Binary);
+    EXPECT_EQ(read.size, 3U);
+    EXPECT_TRUE(read.hasMoreData);
+    EXPECT_EQ(read.printed, "Read value: bytes, type is 3, retval 234\n");
+
+    read = ReadTraced(raw, L"missing", RegValueType::Binary, buffer, 2);
+    EXPECT_FALSE(read.result);
+    EXPECT_FALSE(read.hasMoreData);
+    EXPECT_EQ(read.printed, "Read value: missing, type is 0, retval 2\n");
+
+    read = ReadTraced(raw, L"strange", RegValueType::String, buffer, sizeof buffer);
+    EXPECT_FALSE(read.result);
+    EXPECT_EQ(read.type, RegValueType::Unknown);
+    EXPECT_EQ(read.size, 1U);
+
+    // The system's sizes have 32 bits; a larger one is not cut to its low half.
+    test::RegistryCalls calls;
+    calls.FailCall(1);
+    EXPECT_FALSE(ReadTraced(raw, L"bytes", RegValueType::String, buffer, 0x100000008U).result);
+    EXPECT_EQ(calls.FailedCall(), "RegQueryValueExW(?, bytes, -, type, data, 4294967295)");
+    RegCloseKey(raw);
+}
+
+TEST_F(ValueReads, BareHandlesAnswerTheSame) {
+    Set(L"n", test::Dword(1));
+    test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\KORTests\\sub");
+    HKEY raw = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, TestSubKey, 0, KEY_READ, &raw));
+    std::uint64_t count = 77;
+    EXPECT_TRUE(ValueExists(raw, L"n"));
+    EXPECT_FALSE(ValueExists(raw, L"missing"));
+    EXPECT_TRUE(GetSubKeyCount(raw, count));
+    EXPECT_EQ(count, 1U);
+    EXPECT_TRUE(GetValueCount(raw, count));
+    EXPECT_EQ(count, 1U);
+    EXPECT_TRUE(FlushKeyHandle(raw));
+    EXPECT_TRUE(CloseKeyHandle(raw));
+    EXPECT_FALSE(FlushKeyHandle(nullptr));
+    EXPECT_FALSE(CloseKeyHandle(nullptr));
+    EXPECT_FALSE(ValueExists(nullptr, L"n"));
+    EXPECT_FALSE(GetSubKeyCount(nullptr, count));
+    EXPECT_EQ(count, 0U);
+    EXPECT_FALSE(GetValueCount(nullptr, count));
+}
+
+} // namespace

@@ -29,6 +29,7 @@ public:
     ~ModuleLock() { --s_count; }
     static void Lock(bool lock) { s_count += lock ? 1 : -1; }
     static bool IsIdle() { return s_count == 0; }
+    static long Count() { return s_count; }
 
 private:
     inline static std::atomic<long> s_count = 0;

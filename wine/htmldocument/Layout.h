@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "wine/htmldocument/FontCache.h"
@@ -51,8 +52,13 @@ struct Layout {
 
     // The innermost element at the point, null outside of everything.
     const Node* HitTest(double x, double y) const;
-    // What encloses the element; false where nothing of it is shown.
+    // What encloses the element; false where nothing of it is shown. Only of a finished layout.
     bool AreaOf(const Node& element, Area& area) const;
+
+private:
+    void CollectAreas() const;
+
+    mutable std::unordered_map<const Node*, Area> m_areas; // of everything shown, once asked for
 };
 
 } // namespace html

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "wine/htmldocument/ComObjects.h"
 #include "wine/htmldocument/Json.h"
 
 namespace html {
@@ -108,7 +109,8 @@ std::string Trace::Describe(Page& page, ViewWindow& view, bool loaded) const {
         json +=
             (json.back() == '{' ? "" : ",") + JsonText(entry.first) + ":" + JsonText(entry.second);
     }
-    json += "},\n \"writes\":" + std::to_string(m_writes) + ",\n \"boxes\":[";
+    json += "},\n \"writes\":" + std::to_string(m_writes) +
+            ",\n \"objects\":" + std::to_string(ModuleLock::Count()) + ",\n \"boxes\":[";
     if (shown) {
         DescribeBoxes(page.Root(), page, view.CurrentLayout(), scroll, json);
     }

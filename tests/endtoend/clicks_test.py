@@ -8,7 +8,7 @@ import unittest
 from pathlib import Path
 
 from endtoend_test import EndToEnd, sections
-from session import wait_for
+from session import reg_file, wait_for
 
 LIBRARY = "C:\\Program Files\\Vantrel Imaging\\"
 EXAMPLES = "C:\\Users\\Public\\Documents\\Vantrel Imaging\\Examples\\"
@@ -159,12 +159,6 @@ class Links(EndToEnd):
             except (FileNotFoundError, ProcessLookupError):
                 continue  # it ended meanwhile
         return None
-
-
-def reg_file(session, text):
-    file = session.prefix / "change.reg"
-    file.write_text("Windows Registry Editor Version 5.00\n\n" + text)
-    return file
 
 
 class Changes(EndToEnd):

@@ -26,6 +26,13 @@ def wait_for(question, what):
         time.sleep(0.02)
 
 
+def reg_file(session, text):
+    """A file to import into the session's registry."""
+    file = session.prefix / "change.reg"
+    file.write_text("Windows Registry Editor Version 5.00\n\n" + text)
+    return file
+
+
 class Session:
     def __init__(self, name, dpi, installation):
         self.prefix = BUILD / "test-prefixes" / f"endtoend-{name}-{os.getpid()}"
@@ -115,6 +122,18 @@ class Session:
     def click(self, item_id):
         self.point_at(item_id)
         self.xdotool("click", 1)
+
+    def turn_wheel(self):
+        """One notch down; the page that has scrolled."""
+        before = self.page()["scrollTop"]
+        self.xdotool("click", 5)
+        return self.wait_for_page(lambda page: page["scrollTop"] > before, "the page to scroll")
+
+    def scroll_to(self, item_id):
+        """Turns the wheel until the item is in sight."""
+        page = self.page()
+        while next(box for box in page["boxes"] if box["id"] == item_id)["y"] + 40 > page["window"]["height"]:
+            page = self.turn_wheel()
 
     def log(self):
         """The command lines of the programs that were started."""

@@ -3,14 +3,15 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <functional>
 #include <string>
-#include <vector>
 
-#include "tests/support/ImportHook.h"
+#include "tests/page/SystemCalls.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {
+
+using test::Calls;
+using test::CallsOf;
 
 constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
 constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
@@ -91,45 +92,8 @@ TEST(ValidInstallation, NeedsAVersionThatIsText) {
     EXPECT_FALSE(IsValidInstallation());
 }
 
-std::string Narrow(const wchar_t* text) {
-    const std::wstring wide = text != nullptr ? text : L"(null)";
-    return std::string(wide.begin(), wide.end());
-}
-
-// The system calls of one query, each with what tells it apart.
-std::vector<std::string> CallsOf(const std::function<void()>& query) {
-    std::vector<std::string> calls;
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                    EXPECT_EQ(root, HKEY_LOCAL_MACHINE);
-                    EXPECT_EQ(options, 0U);
-                    EXPECT_EQ(access, static_cast<REGSAM>(KEY_READ));
-                    calls.push_back("open " + Narrow(subKey));
-                    return open.Original(root, subKey, options, access, result);
-                });
-    HOOK_IMPORT(create, RegCreateKeyExW,
-                [&](HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, LPSECURITY_ATTRIBUTES, PHKEY,
-                    LPDWORD) -> LSTATUS {
-                    calls.emplace_back("create");
-                    return ERROR_ACCESS_DENIED;
-                });
-    HOOK_IMPORT(
-        read, RegQueryValueExW,
-        [&](HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
-            std::string call = data != nullptr ? "read " : type != nullptr ? "type " : "probe ";
-            calls.push_back(call + Narrow(name));
-            return read.Original(key, name, reserved, type, data, size);
-        });
-    HOOK_IMPORT(close, RegCloseKey, [&](HKEY key) {
-        calls.emplace_back("close");
-        return close.Original(key);
-    });
-    query();
-    return calls;
-}
-
 // Probe, the read's own look at the type, the read's own probe, the data.
-std::vector<std::string> OneRead(const std::string& key, const std::string& value) {
+Calls OneRead(const std::string& key, const std::string& value) {
     return {"open " + key,    "probe " + value, "type " + value,
             "probe " + value, "read " + value,  "close"};
 }
@@ -159,13 +123,11 @@ TEST(InstallationQueries, MakeTheCallsOfOneReadEach) {
 TEST(InstallationQueries, StopAtAMissingValueOrKey) {
     const test::TestInstallation installed;
     EXPECT_EQ(CallsOf([] { QueryInstallFolder(); }),
-              (std::vector<std::string>{
-                  "open Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install"}));
+              (Calls{"open Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install"}));
     installed.MakeKey(Install);
     EXPECT_EQ(CallsOf([] { QueryInstallFolder(); }),
-              (std::vector<std::string>{
-                  "open Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install",
-                  "probe installdir", "close"}));
+              (Calls{"open Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install",
+                     "probe installdir", "close"}));
 }
 
 } // namespace

@@ -3,77 +3,17 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <shlwapi.h>
-
 #include <string>
 #include <vector>
 
 #include "app/page/ControlCenterPage.h"
-#include "tests/support/ImportHook.h"
+#include "tests/page/SystemCalls.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {
 
-using Calls = std::vector<std::string>;
-
-std::string Narrow(const wchar_t* text) {
-    const std::wstring wide = text != nullptr ? text : L"(null)";
-    return std::string(wide.begin(), wide.end());
-}
-
-// What the page's work calls, each call as a line that names its key, value or path.
-Calls CallsOf(void (ControlCenterPage::*work)(), ControlCenterPage& page) {
-    Calls calls;
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                    calls.push_back("open " + Narrow(subKey));
-                    return open.Original(root, subKey, options, access, result);
-                });
-    HOOK_IMPORT(create, RegCreateKeyExW,
-                [&](HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, LPSECURITY_ATTRIBUTES, PHKEY,
-                    LPDWORD) -> LSTATUS {
-                    calls.emplace_back("create");
-                    return ERROR_ACCESS_DENIED;
-                });
-    HOOK_IMPORT(user, RegOpenCurrentUser, [&](REGSAM, PHKEY) -> LSTATUS {
-        calls.emplace_back("user");
-        return ERROR_ACCESS_DENIED;
-    });
-    HOOK_IMPORT(
-        query, RegQueryValueExW,
-        [&](HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
-            const char* const kind = data != nullptr   ? "read "
-                                     : type != nullptr ? "type "
-                                                       : "probe ";
-            calls.push_back(kind + Narrow(name));
-            return query.Original(key, name, reserved, type, data, size);
-        });
-    HOOK_IMPORT(enumerate, RegEnumKeyExW,
-                [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
-                    LPWSTR className, LPDWORD classLength, PFILETIME time) {
-                    calls.push_back("enumerate " + std::to_string(index));
-                    return enumerate.Original(key, index, name, length, reserved, className,
-                                              classLength, time);
-                });
-    HOOK_IMPORT(close, RegCloseKey, [&](HKEY key) {
-        calls.emplace_back("close");
-        return close.Original(key);
-    });
-    HOOK_IMPORT(attributes, GetFileAttributesW, [&](LPCWSTR path) {
-        calls.push_back("attributes " + Narrow(path));
-        return attributes.Original(path);
-    });
-    HOOK_IMPORT(exists, PathFileExistsW, [&](LPCWSTR path) {
-        calls.push_back("exists " + Narrow(path));
-        return exists.Original(path);
-    });
-    HOOK_IMPORT(empty, PathIsDirectoryEmptyW, [&](LPCWSTR path) {
-        calls.push_back("empty? " + Narrow(path));
-        return empty.Original(path);
-    });
-    (page.*work)();
-    return calls;
-}
+using test::Calls;
+using test::CallsOf;
 
 void Append(Calls& to, const Calls& more) {
     to.insert(to.end(), more.begin(), more.end());
@@ -119,7 +59,7 @@ private:
 
 TEST(SystemCalls, OfBuildingTheCatalogue) {
     FullInstallation full;
-    const Calls calls = CallsOf(&ControlCenterPage::BuildSections, full.Page());
+    const Calls calls = CallsOf([&] { full.Page().BuildSections(); });
 
     Calls expected = {std::string("open ") + LibraryKey};
     Append(expected, ReadOf("KORType"));
@@ -156,14 +96,14 @@ TEST(SystemCalls, OfComposingThePage) {
     FullInstallation full;
     ControlCenterPage& page = full.Page();
     page.BuildSections();
-    const Calls calls = CallsOf(&ControlCenterPage::ComposePage, page);
+    const Calls calls = CallsOf([&] { page.ComposePage(); });
 
     Calls expected = {std::string("open ") + LibraryKey};
     Append(expected, ReadOf("KorVersion"));
     expected.emplace_back("close");
     for (const ControlCenterSection* const section : page.Sections) {
         for (const ControlCenterItem* const item : *section) {
-            expected.push_back("exists " + Narrow(item->Path.Text()));
+            expected.push_back("exists " + test::Narrow(item->Path.Text()));
         }
     }
     EXPECT_EQ(calls, expected);
@@ -174,7 +114,7 @@ TEST(SystemCalls, OfComposingThePage) {
 TEST(SystemCalls, OfAnEmptyInstallation) {
     const test::TestInstallation nothing;
     ControlCenterPage page;
-    EXPECT_EQ(CallsOf(&ControlCenterPage::BuildSections, page),
+    EXPECT_EQ(CallsOf([&] { page.BuildSections(); }),
               (Calls{std::string("open ") + LibraryKey,
                      // General Tools: relative paths, since there is no install folder.
                      "attributes Tools\\TimeScope.exe", "attributes Tutorial videos",
@@ -184,8 +124,7 @@ TEST(SystemCalls, OfAnEmptyInstallation) {
                      "open SOFTWARE\\Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions",
                      "exists ActiveKOR/Controls/kor.ocx", "exists FlowForge.exe",
                      "open SOFTWARE\\Vantrel\\Vantrel Imaging Library\\RTX"}));
-    EXPECT_EQ(CallsOf(&ControlCenterPage::ComposePage, page),
-              (Calls{std::string("open ") + LibraryKey}));
+    EXPECT_EQ(CallsOf([&] { page.ComposePage(); }), (Calls{std::string("open ") + LibraryKey}));
 }
 
 } // namespace

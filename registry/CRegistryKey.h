@@ -20,6 +20,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 
@@ -123,10 +124,18 @@ public:
     // False keeps the names that were found before the failure.
     bool EnumSubKeyNames(CTable1D<CKORString>& names) const;
     bool EnumValueNames(CTable1D<CKORString>& names) const;
+    // The same walks without a list, for keys with more names than are to be kept. The visitor
+    // gives false to end the walk, which is a success; it must not move or close the object.
+    using NameVisitor = std::function<bool(const wchar_t* name)>;
+    bool VisitSubKeyNames(const NameVisitor& visit) const;
+    bool VisitValueNames(const NameVisitor& visit) const;
     bool SubKeyExists(const CKORString& name) const;
 
     // --- Changes. The object is left open for reading on the key where it was, also on failure.
     // ---
+
+    // Whether that rule lets values be written to the key that the object is pointed at.
+    bool IsWritableRoot() const;
 
     // Keep the low 32 bits of the value.
     bool WriteDword(const CKORString& name, std::uint32_t value);
@@ -198,7 +207,6 @@ private:
     bool ReadExactly(const CKORString& name, RegValueType type, void* value, std::size_t size);
     std::wstring_view BufferedCharacters() const;
 
-    bool IsWritableRoot() const;
     // The walks' moves: a subkey may bear a name that OpenRelative would follow upwards.
     bool EnterSubKey(const CKORString& name);
     bool LeaveSubKey();

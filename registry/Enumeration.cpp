@@ -20,9 +20,9 @@ LSTATUS NextValue(HKEY key, DWORD index, wchar_t* name, DWORD* length) {
     return RegEnumValueW(key, index, name, length, nullptr, nullptr, nullptr, nullptr);
 }
 
-// The list grows in doubling steps, so that the walk is linear, and is cut to the count at its end.
-bool CollectNames(HKEY key, EnumFunction next, CTable1D<CKORString>& names) {
-    names.SetSize(0, false);
+// visit gives false to end the walk early, which is a success too.
+template <typename Visit>
+bool Walk(HKEY key, EnumFunction next, Visit visit) {
     if (key == nullptr) {
         return false;
     }
@@ -31,16 +31,30 @@ bool CollectNames(HKEY key, EnumFunction next, CTable1D<CKORString>& names) {
     for (DWORD index = 0;; ++index) {
         DWORD length = NameCharacters;
         const LSTATUS result = next(key, index, name.data(), &length);
-        // Intended: a name that does not fit adds what is in the buffer.
+        // Intended: a name that does not fit counts as what is in the buffer.
         if (result != ERROR_SUCCESS && result != ERROR_MORE_DATA) {
-            names.SetSize(index, true);
             return result == ERROR_NO_MORE_ITEMS;
         }
-        if (index == names.Count()) {
-            names.SetSize(std::max<std::int64_t>(FirstNames, std::int64_t{index} * 2), true);
+        if (!visit(name.data())) {
+            return true;
         }
-        names[index] = name.data();
     }
+}
+
+// The list grows in doubling steps, so that the walk is linear, and is cut to the count at its end.
+bool CollectNames(HKEY key, EnumFunction next, CTable1D<CKORString>& names) {
+    names.SetSize(0, false);
+    std::int64_t count = 0;
+    const bool isComplete = Walk(key, next, [&](const wchar_t* name) {
+        if (count == names.Count()) {
+            names.SetSize(std::max<std::int64_t>(FirstNames, count * 2), true);
+        }
+        names[count] = name;
+        ++count;
+        return true;
+    });
+    names.SetSize(count, true);
+    return isComplete;
 }
 
 } // namespace
@@ -51,6 +65,14 @@ bool CRegistryKey::EnumSubKeyNames(CTable1D<CKORString>& names) const {
 
 bool CRegistryKey::EnumValueNames(CTable1D<CKORString>& names) const {
     return CollectNames(m_handle, NextValue, names);
+}
+
+bool CRegistryKey::VisitSubKeyNames(const NameVisitor& visit) const {
+    return Walk(m_handle, NextSubKey, visit);
+}
+
+bool CRegistryKey::VisitValueNames(const NameVisitor& visit) const {
+    return Walk(m_handle, NextValue, visit);
 }
 
 bool CRegistryKey::SubKeyExists(const CKORString& name) const {

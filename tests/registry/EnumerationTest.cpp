@@ -1,3 +1,7 @@
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
 
@@ -42,6 +46,36 @@ TEST_F(Enumeration, ListsSubKeysAndValues) {
     EXPECT_EQ(m_names.Capacity(), 37);
     EXPECT_EQ(key.GetSubKeyCount(), 37U);
     EXPECT_EQ(key.GetValueCount(), 37U);
+}
+
+TEST_F(Enumeration, VisitsTheSameNamesUntilTheVisitorHasEnough) {
+    for (const wchar_t* const name : {L"a", L"b", L"c"}) {
+        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey + (L"\\key" + std::wstring(name)));
+        test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, test::Dword(1));
+    }
+    CRegistryKey key(TestKey);
+    Names visited;
+    const auto visitAll = [&](const wchar_t* name) {
+        visited.emplace_back(name);
+        return true;
+    };
+    EXPECT_TRUE(key.VisitSubKeyNames(visitAll));
+    EXPECT_TRUE(key.VisitValueNames(visitAll));
+    std::sort(visited.begin(), visited.end());
+    EXPECT_EQ(visited, (Names{L"a", L"b", L"c", L"keya", L"keyb", L"keyc"}));
+
+    int visits = 0;
+    const auto enough = [&](const wchar_t* /*name*/) { return ++visits != 2; };
+    EXPECT_TRUE(key.VisitValueNames(enough));
+    EXPECT_EQ(visits, 2);
+
+    test::RegistryCalls calls;
+    calls.FailCall(1);
+    EXPECT_FALSE(key.VisitValueNames(visitAll));
+    EXPECT_EQ(visited.size(), 6U);
+    key.Close();
+    EXPECT_FALSE(key.VisitSubKeyNames(visitAll));
+    EXPECT_EQ(visited.size(), 6U);
 }
 
 TEST_F(Enumeration, AnEmptyKeyEmptiesTheList) {

@@ -26,7 +26,7 @@ CKORString WhyMissing(const CKORString& path, PathBase base, bool isFolder,
     if (base == PathBase::RuntimeManager && path.Length() == 0) {
         return L"no installed version has the file Tools/FlowForgeRuntimeManager.exe";
     }
-    const BaseFault fault = FaultOf(base, installation);
+    const BaseFault fault = FaultOf(path, base, installation);
     CKORString reasons;
     // The rest of a path without its beginning says nothing.
     if (!fault.IsEmpty) {

@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr wchar_t Registry[] = L"registry";
+
 constexpr Command Commands[] = {
     {nullptr, L"page", L"[--document]", L"the page's HTML; as a file for any browser", 0,
      OptionDocument, RunPage},
@@ -23,6 +25,32 @@ constexpr Command Commands[] = {
      OptionJson, RunSetting},
     {nullptr, L"report", L"[--json]", L"all of that at once, for a support ticket", 0, OptionJson,
      RunReport},
+    {Registry, L"get", L"PATH NAME [--rtx] [--json]", L"a value's data", 2, OptionRtx | OptionJson,
+     RunRegistryGet},
+    {Registry, L"list", L"PATH [--rtx] [--json]", L"subkeys and values", 1, OptionRtx | OptionJson,
+     RunRegistryList},
+    {Registry, L"type", L"PATH NAME [--rtx]", L"a value's type", 2, OptionRtx, RunRegistryType},
+    {Registry, L"name", L"PATH [--rtx] [--create]", L"the key's real name", 1,
+     OptionRtx | OptionCreate, RunRegistryName},
+    {Registry, L"set",
+     L"PATH NAME dword|qword|string|expand|binary DATA [--rtx] [--create] [--anywhere]",
+     L"writes a value", 4, OptionRtx | OptionCreate | OptionAnywhere, RunRegistrySet},
+    {Registry, L"delete-value", L"PATH NAME [--rtx]", L"deletes it", 2, OptionRtx,
+     RunRegistryDeleteValue},
+    {Registry, L"create-key", L"PATH SUBKEY [--rtx] [--create]", L"creates a subkey", 2,
+     OptionRtx | OptionCreate, RunRegistryCreateKey},
+    {Registry, L"delete-key", L"PATH SUBKEY [--rtx]", L"deletes it with all in it", 2, OptionRtx,
+     RunRegistryDeleteKey},
+    {Registry, L"delete-tree", L"PATH SUBKEY [--rtx]", L"empties it", 2, OptionRtx,
+     RunRegistryDeleteTree},
+    {Registry, L"copy-values", L"SRC DST [--rtx] [--anywhere]", L"copies a key's values", 2,
+     OptionRtx | OptionAnywhere, RunRegistryCopyValues},
+    {Registry, L"copy-tree", L"SRC DST [--rtx] [--anywhere]", L"with all below it", 2,
+     OptionRtx | OptionAnywhere, RunRegistryCopyTree},
+    {Registry, L"clear-volatile", L"[--rtx]", L"empties the user's volatile data", 0, OptionRtx,
+     RunRegistryClearVolatile},
+    {Registry, L"lock", L"PATH [--rtx] [--create] -- COMMAND...", L"runs it with the mutex held", 1,
+     OptionRtx | OptionCreate | OptionCommand, RunRegistryLock},
 };
 
 struct OptionWord {
@@ -63,8 +91,19 @@ std::wstring Padded(std::wstring text, std::size_t width) {
     return text;
 }
 
+// What follows the name, without the options of the registry commands, which are told at the end.
+std::wstring BriefUsage(const Command& command) {
+    std::wstring usage(command.Usage);
+    if (command.Group != nullptr) {
+        for (std::size_t option = 0; (option = usage.find(L"[--")) != std::wstring::npos;) {
+            usage.erase(option, usage.find(L']', option) + 2 - option);
+        }
+    }
+    return usage;
+}
+
 void WriteHelp(Utf8Output& output) {
-    constexpr std::size_t UsageWidth = 31;
+    constexpr std::size_t UsageWidth = 36;
     output.Write(
         L"kordiag tells what the control center sees, and why a tool is not on its page.\n\n");
     for (const Command& command : Commands) {
@@ -72,11 +111,14 @@ void WriteHelp(Utf8Output& output) {
         if (command.Group != nullptr) {
             usage.append(command.Group).append(L" ");
         }
-        usage.append(command.Name).append(L" ").append(command.Usage);
+        usage.append(command.Name).append(L" ").append(BriefUsage(command));
         output.Write(Padded(usage, UsageWidth), L" ", command.Summary, L"\n");
     }
-    output.Write(L"\nkordiag COMMAND --help shows its usage, kordiag --version the version.\n"
-                 L"Exit code: 0 answered, 1 no or not there, 2 wrong usage.\n");
+    output.Write(
+        L"\nThe registry commands take --rtx for the RTX layout, get and list --json, those that may\n"
+        L"have to create the key --create, and writes outside the writable root --anywhere.\n"
+        L"kordiag COMMAND --help shows its usage, kordiag --version the version.\n"
+        L"Exit code: 0 answered, 1 no or not there, 2 wrong usage.\n");
 }
 
 // Returns false with a message when the words are not what the command takes.
@@ -210,5 +252,10 @@ ExitCode RunCommandLine(const std::vector<std::wstring>& words, Streams& streams
         WriteUsage(streams.Err, *command);
         return ExitCode::WrongUsage;
     }
-    return command->Run(arguments, streams);
+    const ExitCode code = command->Run(arguments, streams);
+    // A command that runs another one gives back that one's exit code.
+    if (code == ExitCode::WrongUsage && (command->Options & OptionCommand) == 0) {
+        WriteUsage(streams.Err, *command);
+    }
+    return code;
 }

@@ -57,6 +57,19 @@ ExitCode RunQueries(const Arguments& arguments, Streams& streams);
 ExitCode RunRoots(const Arguments& arguments, Streams& streams);
 ExitCode RunSetting(const Arguments& arguments, Streams& streams);
 ExitCode RunReport(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryGet(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryList(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryType(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryName(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistrySet(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryDeleteValue(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryCreateKey(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryDeleteKey(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryDeleteTree(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryCopyValues(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryCopyTree(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryClearVolatile(const Arguments& arguments, Streams& streams);
+ExitCode RunRegistryLock(const Arguments& arguments, Streams& streams);
 
 // words are the program's arguments without its own name.
 ExitCode RunCommandLine(const std::vector<std::wstring>& words, Streams& streams);

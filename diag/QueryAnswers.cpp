@@ -102,7 +102,7 @@ QueryAnswer Ask(const AskedQuery& query) {
     return answer;
 }
 
-BaseFault FaultOf(PathBase base, const Installation& installation) {
+BaseFault FaultOf(const CKORString& path, PathBase base, const Installation& installation) {
     const CKORString* const text = TextOf(base, installation);
     if (text == nullptr) {
         return {false, L""};
@@ -115,7 +115,9 @@ BaseFault FaultOf(PathBase base, const Installation& installation) {
     if (text->Length() <= emptyLength) {
         return {true, CKORString(L"the ") + query.Name + L" is empty: " + WhatIsThere(query)};
     }
-    if (base == PathBase::InstallDir && !IsSeparator((*text)[text->Length() - 1])) {
+    const bool isTornOff = !IsSeparator((*text)[text->Length() - 1]) &&
+                           path.Length() > text->Length() && !IsSeparator(path[text->Length()]);
+    if (isTornOff) {
         return {false, CKORString(L"the ") + query.Name + L" does not end in a backslash: " +
                            WhatIsThere(query)};
     }

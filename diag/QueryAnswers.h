@@ -33,13 +33,13 @@ struct QueryAnswer {
 
 QueryAnswer Ask(const AskedQuery& query);
 
-// Why a text is of no use as the beginning of a path.
+// Why a text is of no use as the beginning of the path.
 struct BaseFault {
     bool IsEmpty;     // there is no text
     CKORString Words; // with the registry value that the text comes from; empty without a fault
 };
 
-BaseFault FaultOf(PathBase base, const Installation& installation);
+BaseFault FaultOf(const CKORString& path, PathBase base, const Installation& installation);
 
 // The registry value on which a no rests, in words.
 CKORString WhyNotDevelopment();

@@ -224,7 +224,10 @@ class RuntimeInstallation(Reading):
         self.prefix.import_registry(key + '"installdir"="C:\\\\Program Files\\\\Vantrel Imaging"\n')
         self.addCleanup(self.prefix.import_registry,
                         key + '"installdir"="C:\\\\Program Files\\\\Vantrel Imaging\\\\"\n')
-        self.assertEqual(self.items()["TOOLS_0"]["why"],
+        items = self.items()
+        self.assertEqual(items["TOOLS_2"]["why"], "the file C:\\Program Files\\Vantrel Imaging\\Tools"
+                                                  "\\TimeScope.exe does not exist", "this path is joined with one")
+        self.assertEqual(items["TOOLS_0"]["why"],
                          r"the folder C:\Program Files\Vantrel ImagingTools does not exist; the install folder "
                          r'does not end in a backslash: the value "installdir" of ' + RUNTIME +
                          r'\install is "C:\Program Files\Vantrel Imaging"')

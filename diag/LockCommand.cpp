@@ -1,0 +1,91 @@
+// kordiag registry lock: a command runs while the mutex of a volatile location is held.
+#include "diag/RegistryAccess.h"
+
+namespace {
+
+// The argument as the programs of Windows will find it again in their command line: in quotes if
+// need be, which some programs mind around their options, with backslashes doubled where a quote
+// follows.
+void AppendArgument(std::wstring& line, const std::wstring& argument) {
+    if (!argument.empty() && argument.find_first_of(L" \t\"") == std::wstring::npos) {
+        line += argument;
+        return;
+    }
+    line += L'"';
+    std::size_t backslashes = 0;
+    for (const wchar_t c : argument) {
+        if (c == L'"') {
+            line.append(backslashes + 1, L'\\');
+        }
+        backslashes = c == L'\\' ? backslashes + 1 : 0;
+        line += c;
+    }
+    line.append(backslashes, L'\\');
+    line += L'"';
+}
+
+std::wstring CommandLineOf(const std::vector<std::wstring>& words) {
+    std::wstring line;
+    for (const std::wstring& word : words) {
+        if (!line.empty()) {
+            line += L' ';
+        }
+        AppendArgument(line, word);
+    }
+    return line;
+}
+
+// An interrupt is the command's; the mutex must be released after it.
+BOOL WINAPI LeaveInterruptToCommand(DWORD event) {
+    return event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT ? TRUE : FALSE;
+}
+
+// Waits for its end. False when the command could not be started.
+bool RunAndWait(std::wstring line, DWORD& exitCode) {
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION process = {};
+    SetConsoleCtrlHandler(LeaveInterruptToCommand, TRUE);
+    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                       &process) == FALSE) {
+        return false;
+    }
+    const bool ended = WaitForSingleObject(process.hProcess, INFINITE) == WAIT_OBJECT_0 &&
+                       GetExitCodeProcess(process.hProcess, &exitCode) != FALSE;
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return ended;
+}
+
+} // namespace
+
+ExitCode RunRegistryLock(const Arguments& arguments, Streams& streams) {
+    SelectLayout(arguments);
+    CRegistryKey key;
+    if (!OpenKey(arguments, streams, key)) {
+        return ExitCode::No;
+    }
+    if (!key.LockVolatile()) {
+        // A mutex whose holder ended without releasing it is held now, and refused all the same.
+        Complain(streams,
+                 key.UnlockVolatile()
+                     ? L"the program that held the lock before ended without releasing it; "
+                       L"its data may be incomplete. The lock is free again."
+                     : L"there is no lock for this location: only the volatile locations of "
+                       L"the runtime and the development roots have one");
+        return ExitCode::No;
+    }
+    DWORD exitCode = 0;
+    const bool started = RunAndWait(CommandLineOf(arguments.CommandLine), exitCode);
+    const bool released = key.UnlockVolatile();
+    if (!started) {
+        Complain(streams, CKORString(L"the command could not be started: ") +
+                              arguments.CommandLine[0].c_str());
+        return ExitCode::No;
+    }
+    if (!released) {
+        Complain(streams, L"the lock could not be released");
+        return ExitCode::No;
+    }
+    return static_cast<ExitCode>(exitCode);
+}

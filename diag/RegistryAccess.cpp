@@ -1,0 +1,106 @@
+#include "diag/RegistryAccess.h"
+
+#include <cwchar>
+#include <vector>
+
+#include "registry/VolatileClassification.h"
+
+namespace {
+
+// Why a key could not be opened.
+CKORString WhyNotOpened(const CKORString& path, bool create) {
+    const bool rtxLayout = CRegistryKey::RtxMode();
+    const CKORString name = ResolvedName(path, rtxLayout);
+    if (name.Length() == 0) {
+        return CKORString(L"the path begins with no root that there is: ") + path;
+    }
+    const wchar_t* const separator = std::wcschr(path.Text(), L'\\');
+    const CKORString rootName =
+        separator != nullptr ? path.Left(separator - path.Text()) : CKORString(path);
+    const SymbolicRoot* const root = FindSymbolicRoot(rootName.Text());
+    SymbolicRootId id = root != nullptr ? root->id : SymbolicRootId::None;
+    const CKORString rest(separator != nullptr ? separator + 1 : L"");
+    if (ClassifyVolatile(rest, rootName.Text(), id, create, rtxLayout) == VolatileKind::Refused) {
+        return CKORString(L"refused: the path names \"volatile\" where no volatile location is: ") +
+               name;
+    }
+    return create ? CKORString(L"the key could not be created: ") + name
+                  : CKORString(L"the key does not exist or may not be read: ") + name;
+}
+
+CKORString HexDigits(const std::vector<unsigned char>& bytes) {
+    constexpr wchar_t Digits[] = L"0123456789abcdef";
+    CKORString text;
+    text.SetSize(static_cast<std::int64_t>(bytes.size()) * 2 + 1, false);
+    wchar_t* digit = text.Data();
+    for (const unsigned char byte : bytes) {
+        *digit++ = Digits[byte >> 4U];
+        *digit++ = Digits[byte & 0xFU];
+    }
+    *digit = L'\0';
+    return text;
+}
+
+bool ReadNumber(CRegistryKey& key, const CKORString& name, RegValueType type,
+                std::uint64_t& number) {
+    return (type == RegValueType::Dword && key.ReadDwordAsUInt64(name, number)) ||
+           (type == RegValueType::Qword && key.ReadQword(name, number));
+}
+
+bool ReadBytes(CRegistryKey& key, const CKORString& name, CKORString& text) {
+    // With no room, the read fails and tells the size.
+    std::uint64_t size = 0;
+    unsigned char none = 0;
+    if (key.ReadBinary(name, &none, size)) {
+        text = L"";
+        return true;
+    }
+    std::vector<unsigned char> bytes(size);
+    if (!key.ReadBinary(name, bytes.data(), size)) {
+        return false;
+    }
+    bytes.resize(size);
+    text = HexDigits(bytes);
+    return true;
+}
+
+} // namespace
+
+void SelectLayout(const Arguments& arguments) {
+    CRegistryKey::SetRtxMode(arguments.Has(OptionRtx));
+}
+
+bool OpenKey(const Arguments& arguments, Streams& streams, CRegistryKey& key) {
+    const CKORString path = arguments.Operand(0);
+    const bool create = arguments.Has(OptionCreate);
+    if (key.Open(path, create)) {
+        return true;
+    }
+    Complain(streams, WhyNotOpened(path, create));
+    return false;
+}
+
+void Complain(Streams& streams, const CKORString& words) {
+    streams.Err.Write(L"kordiag: ", Printable(words), L"\n");
+}
+
+void WriteData(JsonWriter& json, CRegistryKey& key, const CKORString& name, RegValueType type) {
+    std::uint64_t number = 0;
+    CKORString text;
+    if (ReadNumber(key, name, type, number)) {
+        json.Number(number);
+    } else if (ReadData(key, name, type, text)) {
+        json.Text(text);
+    } else {
+        json.Null();
+    }
+}
+
+bool ReadData(CRegistryKey& key, const CKORString& name, RegValueType type, CKORString& text) {
+    std::uint64_t number = 0;
+    if (ReadNumber(key, name, type, number)) {
+        text = std::to_wstring(number).c_str();
+        return true;
+    }
+    return type == RegValueType::Binary ? ReadBytes(key, name, text) : key.ReadString(name, text);
+}

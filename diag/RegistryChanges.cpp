@@ -1,0 +1,256 @@
+// kordiag registry set, delete-value, create-key, delete-key, delete-tree, copy-values, copy-tree,
+// clear-volatile: each is one operation of the registry layer.
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cwchar>
+#include <optional>
+#include <vector>
+
+#include "diag/RegistryAccess.h"
+
+namespace {
+
+ExitCode Outcome(Streams& streams, bool succeeded, const CKORString& complaint) {
+    if (!succeeded) {
+        Complain(streams, complaint);
+    }
+    return succeeded ? ExitCode::Answered : ExitCode::No;
+}
+
+void AllowWrites(const Arguments& arguments) {
+    if (arguments.Has(OptionAnywhere)) {
+        CRegistryKey::SetAllowWritesAnywhere();
+    }
+}
+
+CKORString WritableRootRule(const CRegistryKey& key) {
+    return CKORString(L"the writable-root rule: values are written only below ") +
+           (CRegistryKey::RtxMode() ? L"HKEY_LOCAL_MACHINE in the RTX layout"
+                                    : L"HKEY_CURRENT_USER") +
+           L" unless --anywhere is given; this is " + key.GetFullName();
+}
+
+// Why a value was not written to the open key.
+CKORString WhyRefused(const CRegistryKey& key, const CKORString& keyName) {
+    if (key.IsOpen() && !key.IsWritableRoot()) {
+        return CKORString(L"refused by ") + WritableRootRule(key);
+    }
+    return CKORString(L"refused by the system: no full access to ") + keyName;
+}
+
+// What the text of the command line says, in the form in which it is stored.
+struct NewValue {
+    RegValueType Type;
+    std::uint64_t Number;
+    std::vector<unsigned char> Bytes;
+    CKORString Text;
+};
+
+// Decimal, with a sign if need be, or hexadecimal behind "0x". Negative numbers are stored as their
+// two's complement.
+std::optional<std::uint64_t> ParseNumber(const std::wstring& text, unsigned bits) {
+    const bool isNegative = !text.empty() && text[0] == L'-';
+    const std::wstring digits = text.substr(isNegative ? 1 : 0);
+    const bool isHex = digits.compare(0, 2, L"0x") == 0 || digits.compare(0, 2, L"0X") == 0;
+    const wchar_t* const allowed = isHex ? L"0123456789abcdefABCDEF" : L"0123456789";
+    const std::wstring bare = digits.substr(isHex ? 2 : 0);
+    if (bare.empty() || bare.find_first_not_of(allowed) != std::wstring::npos) {
+        return std::nullopt;
+    }
+    errno = 0;
+    const std::uint64_t number = std::wcstoull(bare.c_str(), nullptr, isHex ? 16 : 10);
+    const std::uint64_t smallest = std::uint64_t{1} << (bits - 1);
+    const std::uint64_t largest = smallest - 1 + smallest;
+    if (errno == ERANGE || number > (isNegative ? smallest : largest)) {
+        return std::nullopt;
+    }
+    return (isNegative ? std::uint64_t{0} - number : number) & largest;
+}
+
+int HexDigit(wchar_t c) {
+    const wchar_t* const digits = L"0123456789abcdef";
+    const wchar_t lower = c >= L'A' && c <= L'F' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+    const wchar_t* const found = c != L'\0' ? std::wcschr(digits, lower) : nullptr;
+    return found != nullptr ? static_cast<int>(found - digits) : -1;
+}
+
+// Two digits a byte, blanks and commas between the bytes.
+std::optional<std::vector<unsigned char>> ParseBytes(const std::wstring& text) {
+    std::vector<unsigned char> bytes;
+    for (std::size_t i = 0; i < text.size();) {
+        if (text[i] == L' ' || text[i] == L',') {
+            ++i;
+            continue;
+        }
+        const int high = HexDigit(text[i]);
+        const int low = i + 1 < text.size() ? HexDigit(text[i + 1]) : -1;
+        if (high < 0 || low < 0) {
+            return std::nullopt;
+        }
+        bytes.push_back(static_cast<unsigned char>(high * 16 + low));
+        i += 2;
+    }
+    return bytes;
+}
+
+std::optional<NewValue> ParseValue(const std::wstring& type, const std::wstring& data) {
+    NewValue value = {RegValueType::Unknown, 0, {}, data.c_str()};
+    if (type == L"string" || type == L"expand") {
+        value.Type = type == L"string" ? RegValueType::String : RegValueType::ExpandString;
+        return value;
+    }
+    if (type == L"dword" || type == L"qword") {
+        value.Type = type == L"dword" ? RegValueType::Dword : RegValueType::Qword;
+        const std::optional<std::uint64_t> number = ParseNumber(data, type == L"dword" ? 32 : 64);
+        value.Number = number.value_or(0);
+        return number ? std::optional(value) : std::nullopt;
+    }
+    if (type == L"binary") {
+        value.Type = RegValueType::Binary;
+        const auto bytes = ParseBytes(data);
+        value.Bytes = bytes.value_or(value.Bytes);
+        return bytes ? std::optional(value) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
+bool Write(CRegistryKey& key, const CKORString& name, const NewValue& value) {
+    switch (value.Type) {
+    case RegValueType::Dword:
+        return key.WriteDword(name, value.Number);
+    case RegValueType::Qword:
+        return key.WriteQword(name, value.Number);
+    case RegValueType::Binary:
+        return key.WriteBinary(name, value.Bytes.data(), value.Bytes.size());
+    case RegValueType::ExpandString:
+        return key.WriteExpandString(name, value.Text);
+    default:
+        return key.WriteString(name, value.Text);
+    }
+}
+
+// Runs an operation that takes the key of the first operand and the text of the second one.
+ExitCode Change(const Arguments& arguments, Streams& streams,
+                bool (CRegistryKey::*operation)(const CKORString&), const wchar_t* failed) {
+    SelectLayout(arguments);
+    CRegistryKey key;
+    if (!OpenKey(arguments, streams, key)) {
+        return ExitCode::No;
+    }
+    const CKORString keyName = key.GetFullName();
+    return Outcome(streams, (key.*operation)(arguments.Operand(1)),
+                   CKORString(failed) + L" \"" + arguments.Operand(1) + L"\" of " + keyName +
+                       L": it does not exist, or the system refused");
+}
+
+// The values of a copy are written one by one, and one that is refused is skipped without a word.
+void WarnOfRefusedCopies(const Arguments& arguments, Streams& streams) {
+    const CRegistryKey destination(arguments.Operand(1), false);
+    if (destination.IsOpen() && !destination.IsWritableRoot()) {
+        Complain(streams, CKORString(L"no value was copied, by ") + WritableRootRule(destination));
+    }
+}
+
+// The name of a subkey as the registry writes it; the given one when there is none.
+std::wstring StoredName(const CRegistryKey& key, const std::wstring& name) {
+    std::wstring stored(name);
+    key.VisitSubKeyNames([&](const wchar_t* subKey) {
+        const bool isIt = _wcsicmp(subKey, name.c_str()) == 0;
+        if (isIt) {
+            stored = subKey;
+        }
+        return !isIt;
+    });
+    return stored;
+}
+
+// What a copy of the key's tree must leave out: the destination's name when it lies inside the
+// source, in the letters that the walk through the source will meet; otherwise a text with which no
+// name begins.
+CKORString ExclusionOf(const CRegistryKey& source, const CKORString& destination) {
+    const std::wstring from(source.GetFullName().Text());
+    const std::wstring to(ResolvedName(destination, CRegistryKey::RtxMode()).Text());
+    const bool isInside = to.size() > from.size() && to[from.size()] == L'\\' &&
+                          _wcsnicmp(to.c_str(), from.c_str(), from.size()) == 0;
+    if (!isInside) {
+        return _wcsicmp(to.c_str(), from.c_str()) == 0 ? CKORString(from.c_str())
+                                                       : CKORString(L"\\");
+    }
+    std::wstring exclusion(from);
+    for (std::size_t start = from.size() + 1; start <= to.size();) {
+        const std::size_t end = std::min(to.find(L'\\', start), to.size());
+        const CRegistryKey parent(exclusion.c_str(), false);
+        exclusion += L"\\" + StoredName(parent, to.substr(start, end - start));
+        start = end + 1;
+    }
+    return exclusion.c_str();
+}
+
+} // namespace
+
+ExitCode RunRegistrySet(const Arguments& arguments, Streams& streams) {
+    const std::optional<NewValue> value = ParseValue(arguments.Operands[2], arguments.Operands[3]);
+    if (!value) {
+        Complain(streams, L"there is no such type, or these are no data for it");
+        return ExitCode::WrongUsage;
+    }
+    SelectLayout(arguments);
+    AllowWrites(arguments);
+    CRegistryKey key;
+    if (!OpenKey(arguments, streams, key)) {
+        return ExitCode::No;
+    }
+    const CKORString keyName = key.GetFullName();
+    const bool written = Write(key, arguments.Operand(1), *value);
+    return Outcome(streams, written, written ? CKORString() : WhyRefused(key, keyName));
+}
+
+ExitCode RunRegistryDeleteValue(const Arguments& arguments, Streams& streams) {
+    return Change(arguments, streams, &CRegistryKey::DeleteValue, L"could not delete the value");
+}
+
+ExitCode RunRegistryCreateKey(const Arguments& arguments, Streams& streams) {
+    return Change(arguments, streams, &CRegistryKey::CreateSubKey, L"could not create the subkey");
+}
+
+ExitCode RunRegistryDeleteKey(const Arguments& arguments, Streams& streams) {
+    return Change(arguments, streams, &CRegistryKey::DeleteSubKey, L"could not delete the subkey");
+}
+
+ExitCode RunRegistryDeleteTree(const Arguments& arguments, Streams& streams) {
+    return Change(arguments, streams, &CRegistryKey::DeleteTree, L"could not empty the subkey");
+}
+
+ExitCode RunRegistryCopyValues(const Arguments& arguments, Streams& streams) {
+    SelectLayout(arguments);
+    AllowWrites(arguments);
+    CRegistryKey key;
+    if (!OpenKey(arguments, streams, key)) {
+        return ExitCode::No;
+    }
+    const bool copied = key.CopyValues(arguments.Operand(1));
+    WarnOfRefusedCopies(arguments, streams);
+    return Outcome(streams, copied, L"the values could not be copied");
+}
+
+ExitCode RunRegistryCopyTree(const Arguments& arguments, Streams& streams) {
+    SelectLayout(arguments);
+    AllowWrites(arguments);
+    CRegistryKey key;
+    if (!OpenKey(arguments, streams, key)) {
+        return ExitCode::No;
+    }
+    const bool copied = key.CopyTree(arguments.Operand(1), ExclusionOf(key, arguments.Operand(1)));
+    WarnOfRefusedCopies(arguments, streams);
+    return Outcome(streams, copied, L"the tree could not be copied");
+}
+
+ExitCode RunRegistryClearVolatile(const Arguments& arguments, Streams& streams) {
+    SelectLayout(arguments);
+    CRegistryKey key;
+    return Outcome(
+        streams, key.ClearCurrentUserVolatile(),
+        L"the key \"Volatile\" of the current user does not exist, or not all of it could "
+        L"be deleted");
+}

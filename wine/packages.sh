@@ -5,6 +5,9 @@ kor_run_packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build
     wine wine64 fonts-wine xvfb xdotool imagemagick python3
 )
+kor_package_packages=(
+    g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build python3
+)
 kor_test_packages=(
     "${kor_run_packages[@]}"
     googletest clang-format clang-tidy

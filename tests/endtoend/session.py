@@ -47,6 +47,7 @@ class Session:
         self.environment = dict(
             os.environ, DISPLAY=f":{number}", WINEPREFIX=str(self.prefix), HOME=str(BUILD / "scratch-home"),
             KOR_HTML_TRACE="Z:" + str(self.page_file).replace("/", "\\"), KOR_STUB_QUIET="1")
+        self.program = BUILD / "release/app/korcontrolcenter.exe"
         self.launcher = None
         try:
             self.script("kor_install_into", self.prefix, dpi, "picture", "",
@@ -83,7 +84,7 @@ class Session:
     def start(self):
         self.launcher = subprocess.Popen(
             ["bash", "-c", 'source wine/common.sh; cd "$WINEPREFIX/drive_c" && exec "$kor_wine" "$1"', "bash",
-             str(BUILD / "release/app/korcontrolcenter.exe")], cwd=ROOT, env=self.environment)
+             str(self.program)], cwd=ROOT, env=self.environment)
         self.window = wait_for(lambda: self.alive() and self.xdotool("search", "--onlyvisible", "--name", f"^{TITLE}$"),
                                "the window").split()[0]
         return self.wait_for_page(lambda page: page["writes"] >= 1, "the page")

@@ -119,6 +119,22 @@ class Launcher(unittest.TestCase):
         self.assertIn("Vantrel Imaging Library", text)
 
 
+class Kordiag(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.path = next(path for path in PROGRAMS if path.name == "kordiag.exe")
+
+    def test_is_a_small_64_bit_console_program(self):
+        program = Program(self.path)
+        self.assertEqual((program.machine, program.subsystem), (0x8664, 3))
+        self.assertLessEqual(self.path.stat().st_size, 600_000)
+
+    def test_has_the_launchers_page_banner_and_manifest(self):
+        resources, launcher = Program(self.path).resources(), Program(PROGRAMS[0]).resources()
+        for name in ((RT_HTML, 129), ("IMAGE", "CONTROLCENTER.JPG"), (RT_MANIFEST, 1)):
+            self.assertEqual(resources[name], launcher[name])
+
+
 if __name__ == "__main__":
     BUILD = Path(sys.argv[1]).resolve()
     PROGRAMS = [Path(name).resolve() for name in sys.argv[2:]]

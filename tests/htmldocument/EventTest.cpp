@@ -149,11 +149,19 @@ TEST_F(EventTest, AWriteInTheMiddleOfAnEventIsSafe) {
     EXPECT_EQ(L"S1_2", host->events.back().sourceId);
 }
 
-TEST_F(EventTest, AHostMayCloseInTheMiddleOfAClick) {
-    Show(GridMarkup(1, 1));
-    host->onEvent = [&](const HeardEvent&, IHTMLElement&) { host->Close(); };
-    ClickAt(MiddleOf(L"S0_0"));
-    EXPECT_EQ(0U, host->Close());
+TEST_F(EventTest, AHostMayCloseInTheMiddleOfAnEvent) {
+    for (const bool byClick : {true, false}) {
+        Show(GridMarkup(1, 1));
+        host->onEvent = [&](const HeardEvent&, IHTMLElement&) { host->Close(); };
+        const POINT item = MiddleOf(L"S0_0");
+        if (byClick) {
+            ClickAt(item);
+        } else {
+            MoveTo(item);
+        }
+        EXPECT_EQ(nullptr, host->Window()) << "closed by the event";
+        EXPECT_EQ(0U, host->Close());
+    }
 }
 
 TEST_F(EventTest, NobodyHearsAfterUnadvise) {

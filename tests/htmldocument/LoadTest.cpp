@@ -1,6 +1,8 @@
 // Loading, elements, and the way down again, through Wine's own browser control.
 #include "tests/htmldocument/HostTest.h"
 
+#include <array>
+
 #include "tests/htmldocument/PageText.h"
 
 namespace test {
@@ -192,11 +194,16 @@ TEST_F(LoadTest, TwoHundredWritesLeaveNothingBehind) {
     SetEnvironmentVariableW(L"KOR_HTML_TRACE", nullptr);
     Show(L"");
     const std::wstring markup = GridMarkup(8, 12);
+    // The library allocates from the C runtime's heap, texts come from the process's.
     const auto used = [] {
+        std::array<HANDLE, 64> heaps{};
+        const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
         SIZE_T bytes = 0;
-        PROCESS_HEAP_ENTRY entry = {};
-        for (const HANDLE heap = GetProcessHeap(); HeapWalk(heap, &entry);) {
-            bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+        for (DWORD i = 0; i < count && i < heaps.size(); ++i) {
+            PROCESS_HEAP_ENTRY entry = {};
+            while (HeapWalk(heaps[i], &entry)) {
+                bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+            }
         }
         return bytes;
     };
@@ -210,8 +217,9 @@ TEST_F(LoadTest, TwoHundredWritesLeaveNothingBehind) {
         ASSERT_NE(nullptr, item);
     }
     const SIZE_T after = used();
-    // One page that is kept for each write would be some megabytes.
-    EXPECT_LT(after, before + 200000) << "before: " << before;
+    // One page that is kept for each write would be many megabytes.
+    EXPECT_LT(0U, before);
+    EXPECT_LT(after, before + 1000000) << "before: " << before;
 }
 
 } // namespace

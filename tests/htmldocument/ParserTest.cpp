@@ -118,6 +118,21 @@ TEST(Parser, DepthIsLimitedAndNothingIsLost) {
     EXPECT_LT(depth, 300U);
 }
 
+TEST(Node, WhatIsHeldOutlivesItsPlaceInTheTree) {
+    NodePtr root = Node::MakeElement(L"div", {});
+    root->ReplaceChildren(ParseFragment(L"<p><b>x</b></p>"));
+    const NodePtr child = root->Children().front();
+    const NodePtr grandchild = child->Children().front();
+    EXPECT_TRUE(root->Contains(*grandchild));
+    root->ReplaceChildren({});
+    EXPECT_EQ(nullptr, child->Parent());
+    EXPECT_EQ(child.get(), grandchild->Parent()) << "what hangs together stays together";
+    EXPECT_FALSE(root->Contains(*grandchild));
+    root->Append(child);
+    root.reset();
+    EXPECT_EQ(nullptr, child->Parent()) << "the root is gone";
+}
+
 TEST(Parser, InnerTextHasNoSuperfluousSpaces) {
     const NodePtr root = Node::MakeElement(L"div", {});
     root->ReplaceChildren(ParseFragment(L" \r\n a  <b> b</b>\tc<br> d "));

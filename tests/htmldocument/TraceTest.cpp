@@ -115,10 +115,13 @@ TEST_F(TraceTest, ScrollsWhereThePageIsTallerThanTheWindow) {
     const int notch = scrolled();
     EXPECT_LT(0, notch);
     EXPECT_EQ(itemTop - notch, (*FindBox(Trace(), L"S0_0"))[L"y"].Int());
-    for (int i = 0; i < 4; ++i) {
-        SendMessageW(window, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA / 4), 0);
+    // A fine wheel: seventeen times 7 and once 1 make one notch of 120.
+    for (int i = 0; i < 17; ++i) {
+        SendMessageW(window, WM_MOUSEWHEEL, MAKEWPARAM(0, 7), 0);
     }
-    EXPECT_EQ(0, scrolled()) << "four quarters of a notch";
+    EXPECT_LT(0, scrolled());
+    SendMessageW(window, WM_MOUSEWHEEL, MAKEWPARAM(0, 1), 0);
+    EXPECT_EQ(0, scrolled()) << "no part of a notch is lost";
     SendMessageW(window, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), 0);
     EXPECT_EQ(0, scrolled()) << "there is nothing above";
 

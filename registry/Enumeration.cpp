@@ -8,7 +8,6 @@
 namespace {
 
 constexpr DWORD NameCharacters = 1024;
-constexpr std::int64_t FirstNames = 8;
 
 using EnumFunction = LSTATUS (*)(HKEY, DWORD, wchar_t*, DWORD*);
 
@@ -47,7 +46,7 @@ bool CollectNames(HKEY key, EnumFunction next, CTable1D<CKORString>& names) {
     std::int64_t count = 0;
     const bool isComplete = Walk(key, next, [&](const wchar_t* name) {
         if (count == names.Count()) {
-            names.SetSize(std::max<std::int64_t>(FirstNames, count * 2), true);
+            names.SetSize(std::max<std::int64_t>(1, count * 2), true);
         }
         names[count] = name;
         ++count;

@@ -145,6 +145,14 @@ class Session:
         shell = dict(line.split("=") for line in self.xdotool("getwindowgeometry", "--shell", self.window).split())
         return int(shell["WIDTH"]), int(shell["HEIGHT"])
 
+    def save_picture(self, file):
+        """The window's picture, once the banner's many colours are in it."""
+        def taken():
+            subprocess.run(["import", "-window", self.window, file], env=self.environment, check=True)
+            return int(subprocess.run(["identify", "-format", "%k", file], check=True, stdout=subprocess.PIPE,
+                                      text=True).stdout) > 1000
+        wait_for(taken, "the painted page")
+
     def end(self):
         """Ends the launcher as a user does; its exit code."""
         # F4 comes up before Alt: "key alt+F4" lets go of Alt first, and then it is no Alt+F4 any more.

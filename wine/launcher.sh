@@ -46,7 +46,8 @@ kor_save_picture() {
     for tries in {1..20}; do
         import -window "$kor_window" "png:$file" || return 1
         now=$(convert "$file" rgb:- | sha256sum)
-        [ "$now" = "$before" ] && return 0
+        # Before it is painted it is still, too, but has no banner.
+        [ "$now" = "$before" ] && [ "$(identify -format %k "png:$file")" -gt 1000 ] && return 0
         before=$now
         sleep 0.2
     done

@@ -190,6 +190,7 @@ class Changes(EndToEnd):
         self.assertEqual(sections(page), [(message, [])])
         self.assertEqual(page["innerHtml"]["Sections"], f"<div id=KORSection><h2>{message}</h2><ul></ul></div>")
         self.assertTrue(wait_for(lambda: session.size()[1] < size[1], "the window of the bare height"))
+        session.wait_for_page(lambda page: page["contentHeight"] <= page["window"]["height"], "the whole message")
 
         session.import_registry(reg_file(session, f'[{library}]\n"KorVersion"="11"\n'))
         self.assertEqual(sections(session.refresh()), after)

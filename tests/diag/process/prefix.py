@@ -21,9 +21,13 @@ class Prefix:
         folder.mkdir(parents=True, exist_ok=True)
         self.path = Path(tempfile.mkdtemp(prefix="kordiag-", dir=folder))
         subprocess.run(["bash", Path(__file__).with_name("prefix.sh"), self.path, *installation], check=True)
+        # Without a desktop that stays, each program that asks for the screen makes one: 1.2 s.
+        self.desktop = self.start("/desktop", program="explorer.exe", stdout=subprocess.DEVNULL,
+                                  stderr=subprocess.DEVNULL)
 
     def close(self):
         subprocess.run([WINESERVER, "-k"], env=self.environment(), check=False)
+        self.desktop.wait(timeout=30)
         shutil.rmtree(self.path, ignore_errors=True)
 
     def environment(self, **variables):

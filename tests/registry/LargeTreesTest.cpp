@@ -59,8 +59,8 @@ int CountEqualKeys(const std::wstring& left, const std::wstring& right) {
     RegCloseKey(rightKey);
     int count = 1;
     for (const std::wstring& subKey : subKeys) {
-        const int below =
-            areEqual ? CountEqualKeys(left + L"\\" + subKey, right + L"\\" + subKey) : 0;
+        const std::wstring name = L'\\' + subKey;
+        const int below = areEqual ? CountEqualKeys(left + name, right + name) : 0;
         areEqual = below > 0;
         count += below;
     }

@@ -105,3 +105,34 @@ kor_copy_prefix() {
     cp -a "$kor_template/dosdevices" "$1/"
     cp "$kor_template"/*.reg "$kor_template/.update-timestamp" "$1/"
 }
+
+# kor_enter_test_prefix PROGRAM.exe: a throw-away Wine prefix, and a display where there is none, for
+# the rest of the script; both go with its end.
+kor_enter_test_prefix() {
+    local prefix
+    prefix=$kor_build/test-prefixes/$(basename "$1" .exe)-$$
+    kor_copy_prefix "$prefix" || { kor_say "The Wine prefix could not be made."; exit 1; }
+    # A test program refuses to start without the last: it deletes registry keys and folders.
+    export WINEPREFIX=$prefix HOME=$kor_build/scratch-home KOR_TEST_SANDBOX=1
+    kor_display_pid=
+    trap kor_leave_test_prefix EXIT
+    trap 'exit 143' TERM INT
+    [ -n "${DISPLAY:-}" ] || kor_private_display 1600x1200 || exit 1
+}
+
+# kor_run_tests PROGRAM.exe [ARGUMENT...]: the program's exit code; a failure when it left its tests.
+kor_run_tests() {
+    local result=0
+    "$kor_wine" "$@" || result=$?
+    if [ -e "$WINEPREFIX/drive_c/tests-are-running" ]; then
+        kor_say "The program ended before its tests did (exit code $result)."
+        return 1
+    fi
+    return "$result"
+}
+
+kor_leave_test_prefix() {
+    "$kor_wineserver" -k >/dev/null 2>&1
+    [ -z "$kor_display_pid" ] || kill "$kor_display_pid"
+    rm -rf "$WINEPREFIX"
+}

@@ -1,5 +1,6 @@
 // What the deletion of a directory costs for each entry, beside the system calls that it cannot do
-// without. Run it with wine/in-prefix.sh; it works in a folder of its own below the temporary one.
+// without. Run it on one processor, as the registry's; it works in a folder of its own below the
+// temporary one.
 #include <windows.h>
 
 #include <algorithm>

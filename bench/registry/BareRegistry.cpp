@@ -58,6 +58,13 @@ std::vector<std::wstring> Names(HKEY key, Enumerate enumerate) {
     }
 }
 
+std::wstring Joined(const std::wstring& path, const std::wstring& name) {
+    std::wstring joined(path);
+    joined += L'\\';
+    joined += name;
+    return joined;
+}
+
 void CopyValues(HKEY source, const std::wstring& destination) {
     OpenKey target = Open(destination);
     if (target.key == nullptr) {
@@ -124,9 +131,9 @@ long CountSubKeyNames(HKEY key) {
 void CopyTree(OpenKey& open, const std::wstring& subKey, const std::wstring& destination) {
     CopyValues(open.key, destination);
     for (const std::wstring& name : Names(open.key, RegEnumKeyExW)) {
-        const std::wstring child = subKey + L"\\" + name;
+        const std::wstring child = Joined(subKey, name);
         Reopen(open, child, KEY_READ);
-        CopyTree(open, child, destination + L"\\" + name);
+        CopyTree(open, child, Joined(destination, name));
         Reopen(open, subKey, KEY_READ);
     }
 }
@@ -138,7 +145,7 @@ void Empty(OpenKey& open, const std::wstring& subKey) {
         Reopen(open, subKey, KEY_READ);
     }
     for (const std::wstring& name : Names(open.key, RegEnumKeyExW)) {
-        const std::wstring child = subKey + L"\\" + name;
+        const std::wstring child = Joined(subKey, name);
         Reopen(open, child, KEY_READ);
         Empty(open, child);
         Reopen(open, subKey, KEY_READ);
@@ -147,7 +154,7 @@ void Empty(OpenKey& open, const std::wstring& subKey) {
 }
 
 void DeleteTree(OpenKey& open, const std::wstring& subKey, const std::wstring& name) {
-    const std::wstring child = subKey + L"\\" + name;
+    const std::wstring child = Joined(subKey, name);
     Reopen(open, child, KEY_READ);
     Empty(open, child);
     Reopen(open, subKey, KEY_READ);

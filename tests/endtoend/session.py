@@ -104,7 +104,7 @@ class Session:
         return wait_for(lambda: self.alive() and (page := self.page()) and accepted(page) and page, what)
 
     def refresh(self):
-        """Presses F5 and gives back the page that was written for it, once the window has its size."""
+        """Presses F5 and gives back the page that was written for it. The window gets its size after that."""
         before = self.page()["writes"]
         self.xdotool("windowfocus", self.window, "key", "F5")
         return self.wait_for_page(lambda page: page["writes"] > before, "the page after F5")

@@ -11,6 +11,7 @@
 namespace {
 
 TEST(LargeInstallation, AThousandVersionsHaveAThousandSections) {
+    const test::PlainMemory plain;
     const test::TestInstallation installed;
     const std::wstring versions = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
     installed.SetText(L"Vantrel\\Vantrel Imaging Library", L"KorVersion", L"1");

@@ -17,6 +17,10 @@ LONG WINAPI EndWithTheExceptionsCode(EXCEPTION_POINTERS* exception) {
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
+// There from the start of the tests to their end. A process that Wine gives up, as after a stack
+// overflow, may end with 0; wine/in-prefix.sh looks for this file then.
+constexpr wchar_t RunningFile[] = L"C:\\tests-are-running";
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -31,5 +35,8 @@ int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
     testing::InitGoogleTest(&argc, argv);
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    return RUN_ALL_TESTS();
+    CloseHandle(CreateFileW(RunningFile, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+    const int result = RUN_ALL_TESTS();
+    DeleteFileW(RunningFile);
+    return result;
 }

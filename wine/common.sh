@@ -9,7 +9,7 @@ kor_template=$kor_build/prefix-template
 # the desktop's menus. A UTF-8 locale: file names beyond ASCII could not be reached without.
 export WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree=d;winemenubuilder.exe=d'
 export LC_ALL=C.UTF-8
-kor_wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
+kor_wine=$kor_root/wine/wine.sh
 kor_wineserver=$(command -v wineserver || echo /usr/lib/wine/wineserver)
 
 kor_say() { printf '%s\n' "$@" >&2; }

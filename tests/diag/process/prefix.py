@@ -8,7 +8,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
 BUILD = Path(os.environ.get("KOR_BUILD", ROOT / "build"))
-WINE = shutil.which("wine64") or "/usr/lib/wine/wine64"
+WINE = ROOT / "wine" / "wine.sh"
 WINESERVER = shutil.which("wineserver") or "/usr/lib/wine/wineserver"
 
 

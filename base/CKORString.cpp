@@ -66,7 +66,7 @@ CKORString& CKORString::operator=(const wchar_t* text) {
     const std::int64_t needed = CharactersIn(source) + 1;
     GrowTo(needed, true);
     m_count = needed;
-    wcscpy_s(m_data, AsSize(needed), source);
+    std::copy_n(source, needed, m_data);
     return *this;
 }
 
@@ -85,7 +85,8 @@ CKORString& CKORString::operator+=(const wchar_t* text) {
     const std::int64_t newCount = length + 1 + CharactersIn(text);
     GrowTo(newCount, true);
     m_count = newCount;
-    m_data[length] = L'\0';
+    // Up to the end: the text goes behind the first null, which may lie within the string.
+    std::fill(m_data + length, m_data + newCount, L'\0');
     wcscat_s(m_data, AsSize(newCount), text);
     return *this;
 }
@@ -96,9 +97,6 @@ CKORString& CKORString::operator+=(const CKORString& other) {
     }
     if (m_count >= 1 && other.m_count >= 1) {
         RemoveLast();
-        if (m_count == 0) {
-            SetSize(0, false);
-        }
     }
     const std::int64_t kept = m_count;
     const std::int64_t newCount = kept + other.m_count;
@@ -106,6 +104,13 @@ CKORString& CKORString::operator+=(const CKORString& other) {
     m_count = newCount;
     std::copy_n(other.m_data, other.m_count, m_data + kept);
     return *this;
+}
+
+void CKORString::RemoveLast() {
+    CTable1D<wchar_t>::RemoveLast();
+    if (m_count == 0) {
+        SetSize(0, false);
+    }
 }
 
 CKORString& CKORString::FormatV(const wchar_t* format, va_list arguments) {

@@ -18,7 +18,8 @@ public:
 
 // The count of the table includes the terminating null. A string without storage is empty too.
 // Default-constructed and copied strings grow in steps of 32 characters, all others to the exact
-// size. Lengths are characters. Null texts are taken by construction and assignment only.
+// size. Lengths are characters. Null texts are taken by construction and assignment only. A string
+// with a null within it is copied whole by construction, and up to that null by assignment.
 class CKORString : public CTable1D<wchar_t> {
 public:
     CKORString();
@@ -33,6 +34,9 @@ public:
 
     CKORString& operator+=(const wchar_t* text);
     CKORString& operator+=(const CKORString& other);
+
+    // Only for a string with storage, which is given back with the last element, the terminator.
+    void RemoveLast();
 
     // printf rules of the C runtime's wide functions (%s is wide). A format error leaves the count
     // at 0. No argument may lie in the string itself.

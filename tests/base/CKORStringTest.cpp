@@ -60,6 +60,37 @@ TEST(CKORString, ACopyGrowsInStepsOf32EvenAfterItWasEmptied) {
 }
 
 // A buffer that a system call filled only in part, for instance.
+TEST(CKORString, ATextGoesBehindTheFirstNullAndTheStringKeepsItsEnd) {
+    CKORString text(L"what the storage held before");
+    text = L"a;b;c";
+    text[1] = L'\0';
+    text += L"xy";
+    EXPECT_STREQ(text.Text(), L"axy");
+    ASSERT_EQ(text.Count(), 8);
+    for (std::int64_t i = 5; i < text.Count(); ++i) {
+        EXPECT_EQ(text[i], L'\0') << i;
+    }
+    const CTable1D<CKORString> tokens = text.Split(CKORString(L";"));
+    EXPECT_EQ(tokens[0], L"axy");
+}
+
+TEST(CKORString, WithItsTerminatorGoesItsStorage) {
+    CKORString text;
+    EXPECT_GT(text.Capacity(), 1);
+    text.RemoveLast();
+    EXPECT_EQ(text.Count(), 0);
+    EXPECT_EQ(text.Capacity(), 0);
+    EXPECT_EQ(text.Data(), nullptr);
+    EXPECT_STREQ(text.Text(), L"");
+    text += L"again";
+    EXPECT_STREQ(text.Text(), L"again");
+
+    CKORString longer(L"ab");
+    longer.RemoveLast();
+    EXPECT_EQ(longer.Count(), 2);
+    EXPECT_NE(longer.Data(), nullptr);
+}
+
 TEST(CKORString, WhatLiesBehindANullWithinTheTextIsCopiedToo) {
     CKORString text(L"a;b;c");
     text[1] = L'\0';

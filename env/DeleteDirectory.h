@@ -2,8 +2,8 @@
 #pragma once
 
 // Both give false at the first thing that cannot be deleted, with the cause in the thread's last
-// error; what was deleted until then stays deleted. Paths of entries are built in buffers of 260
-// characters: a directory or an entry whose path is longer makes the deletion fail
+// error; what was deleted until then stays deleted. Paths are built in buffers of 260 characters: a
+// directory whose path has more than 257, or a file with more than 259, makes the deletion fail
 // (ERROR_FILENAME_EXCED_RANGE), and so bounds the depth of the recursion. A null or empty path
 // fails (ERROR_PATH_NOT_FOUND): it would stand for the root of the current drive.
 // An entry whose name holds ".." is never deleted, and so keeps its directory from being deleted. A

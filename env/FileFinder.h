@@ -44,7 +44,8 @@ public:
     std::int64_t LastAccessTime() const;
     std::int64_t LastWriteTime() const;
 
-    // Whether the entry is to be skipped: ".", and each name that holds "..", even in its middle.
+    // Whether the entry is to be skipped: ".", and each name that holds "..", "\." or ".\", even
+    // in its middle.
     bool IsDots() const;
 
     // Takes the read-only attribute from the file of the entry's bare name in the process's current

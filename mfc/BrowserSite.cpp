@@ -169,7 +169,7 @@ HRESULT STDMETHODCALLTYPE BrowserSite::TranslateAccelerator(MSG* message, const 
     if (m_dialog == nullptr) {
         return S_FALSE;
     }
-    return AnswerCom(
+    return AnswerSystem(
         [&] { return m_dialog->TranslateAccelerator(message, commandGroup, command); });
 }
 

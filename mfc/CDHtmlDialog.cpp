@@ -28,7 +28,10 @@ CDHtmlDialog::~CDHtmlDialog() {
 BOOL CDHtmlDialog::OnInitDialog() {
     CDialog::OnInitDialog();
     if (CreateBrowser()) {
-        LoadFromResource();
+        AnswerSystem([this] {
+            LoadFromResource();
+            return S_OK;
+        });
     }
     return TRUE;
 }

@@ -33,10 +33,6 @@ BOOL CWnd::SubclassWindow(HWND hWnd) {
     return m_superProcedure != nullptr;
 }
 
-BOOL CWnd::PreTranslateMessage(MSG* /*pMsg*/) {
-    return FALSE;
-}
-
 LRESULT CWnd::Default() {
     return CallWindowProc(m_superProcedure, m_hWnd, m_currentMessage.message,
                           m_currentMessage.wParam, m_currentMessage.lParam);

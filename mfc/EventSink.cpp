@@ -10,13 +10,13 @@ HRESULT EventSink::Connect(IUnknown* source) {
     if (FAILED(result)) {
         return result;
     }
-    CComPtr<IConnectionPoint> connection;
-    result = container->FindConnectionPoint(m_events, &connection);
-    if (SUCCEEDED(result)) {
-        result = connection->Advise(this, &m_cookie);
+    result = container->FindConnectionPoint(m_events, &m_connection);
+    if (FAILED(result)) {
+        return result;
     }
-    if (SUCCEEDED(result)) {
-        m_connection = connection;
+    result = m_connection->Advise(this, &m_cookie);
+    if (FAILED(result)) {
+        m_connection.Release();
     }
     return result;
 }
@@ -73,7 +73,7 @@ HRESULT STDMETHODCALLTYPE EventSink::Invoke(DISPID event, REFIID /*iid*/, LCID /
     if (parameters == nullptr) {
         return E_POINTER;
     }
-    return AnswerCom([&] {
+    return AnswerSystem([&] {
         (m_dialog.*m_handler)(event, *parameters);
         return S_OK;
     });

@@ -10,10 +10,10 @@
 
 class CDHtmlDialog;
 
-// Runs what COM called. An exception must not unwind through the caller, which may not even be C++:
-// it is turned into the error that it stands for.
+// Runs what COM or the window manager called. An exception must not unwind through the caller,
+// which may not even be C++: it is turned into the error that it stands for.
 template <typename Function>
-HRESULT AnswerCom(const Function& function) noexcept {
+HRESULT AnswerSystem(const Function& function) noexcept {
     try {
         return function();
     } catch (const _com_error& error) {

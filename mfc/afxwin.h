@@ -85,8 +85,6 @@ public:
 
     // Puts the message map before the window's own procedure.
     BOOL SubclassWindow(HWND hWnd);
-    // TRUE when the message was used up and must not be dispatched.
-    virtual BOOL PreTranslateMessage(MSG* pMsg);
 
     HWND m_hWnd = nullptr;
 
@@ -136,7 +134,8 @@ public:
     void EndDialog(int nResult);
 
     virtual BOOL OnInitDialog() { return TRUE; }
-    BOOL PreTranslateMessage(MSG* pMsg) override;
+    // TRUE when the message was used up and must not be dispatched.
+    virtual BOOL PreTranslateMessage(MSG* pMsg);
 
 protected:
     virtual void OnOK() { EndDialog(IDOK); }

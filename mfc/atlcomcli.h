@@ -10,20 +10,10 @@ template <typename T>
 class CComPtr {
 public:
     CComPtr() = default;
-    CComPtr(const CComPtr& other) : CComPtr(other.p) {}
-    CComPtr(T* pointer) : p(pointer) {
-        if (p != nullptr) {
-            p->AddRef();
-        }
-    }
+    CComPtr(const CComPtr&) = delete;
+    CComPtr& operator=(const CComPtr&) = delete;
     ~CComPtr() { Release(); }
 
-    CComPtr& operator=(const CComPtr& other) {
-        if (this != &other) {
-            *this = other.p;
-        }
-        return *this;
-    }
     // The old object is released last: its end may run code that comes back here.
     CComPtr& operator=(T* pointer) {
         if (p != pointer) {

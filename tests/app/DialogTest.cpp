@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "app/CkorcontrolcenterDlg.h"
+#include "tests/page/SystemCalls.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TestInstallation.h"
 
@@ -60,6 +61,18 @@ TEST(Dialog, TheConstructorQueriesBuildsAndComposes) {
     EXPECT_NE(std::wstring(dialog.PageHtml.Text()).find(L"<table class=\"innertable\""),
               std::wstring::npos);
     EXPECT_EQ(dialog.WindowHeight, dialog.BaseHeight + dialog.RowCount * dialog.SectionBaseHeight);
+}
+
+TEST(Dialog, TheConstructorAsksBeforeItBuilds) {
+    const test::TestInstallation installation;
+    ControlCenterPage page;
+    const test::Calls expected = test::CallsOf([&] {
+        page.QueryInstallation();
+        page.BuildSections();
+        page.ComposePage();
+    });
+    EXPECT_EQ(test::CallsOf([] { const TestDialog dialog; }), expected);
+    EXPECT_GT(expected.size(), 4U);
 }
 
 struct TrackCase {

@@ -1,15 +1,9 @@
-// The dialog as the host of its page: the control's life, the filling of the page, events and keys.
-#include <gtest/gtest.h>
-#include <windows.h>
-
+// The dialog as the host of its page: the control's life and the filling of the page.
 #include <comdef.h>
-#include <shellapi.h>
 
 #include <memory>
 
-#include "app/CkorcontrolcenterDlg.h"
-#include "tests/app/ModalRun.h"
-#include "tests/support/TestInstallation.h"
+#include "tests/app/HostedDialog.h"
 
 namespace {
 
@@ -17,37 +11,7 @@ using Lines = std::vector<std::string>;
 using test::Do;
 using test::RunModal;
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-
-class Host : public testing::Test {
-protected:
-    Host() {
-        m_installation.SetText(Library, L"KorVersion", L"1");
-        m_installation.SetText(Library, L"KORType", L"Development");
-    }
-
-    // What the document would do with a key.
-    HRESULT AskHost(UINT message, WPARAM key) {
-        IDocHostUIHandler* handler = nullptr;
-        EXPECT_EQ(m_page.Browser.Site->QueryInterface(IID_PPV_ARGS(&handler)), S_OK);
-        MSG asked = {};
-        asked.message = message;
-        asked.wParam = key;
-        const HRESULT result = handler->TranslateAccelerator(&asked, nullptr, 0);
-        handler->Release();
-        return result;
-    }
-
-    SIZE WindowSize() const {
-        RECT window = {};
-        GetWindowRect(m_dialog.m_hWnd, &window);
-        return {window.right - window.left, window.bottom - window.top};
-    }
-
-    test::TestInstallation m_installation;
-    test::FakePage m_page;
-    CkorcontrolcenterDlg m_dialog;
-};
+using Host = test::HostedDialog;
 
 TEST_F(Host, OpensTheControlInOrderAndClosesItInReverse) {
     RECT client = {};
@@ -161,7 +125,7 @@ TEST_F(Host, F5FillsThePageFromScratch) {
                   EXPECT_EQ(m_dialog.Sections.Count(), sections) << "nothing is there twice";
                   EXPECT_EQ(m_dialog.WindowHeight, height);
 
-                  m_installation.DeleteValue(Library, L"KORType");
+                  m_installation.DeleteValue(test::Library, L"KORType");
                   EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), E_FAIL);
                   EXPECT_EQ(m_dialog.Sections.Count(), sections - 2);
                   EXPECT_EQ(WindowSize().cy, height - m_dialog.SectionBaseHeight);
@@ -226,117 +190,12 @@ TEST_F(Host, AMissingTextForThePageIsAnError) {
     EXPECT_EQ(resizes, 0);
 }
 
-TEST_F(Host, EventsOfItemsReachTheirHandlers) {
-    test::FakeStyle style;
-    test::FakeElement item;
-    item.ClassName = L"item";
-    item.Id = L"NONE_0";
-    item.Text = L"text";
-    item.Style = &style;
-    test::FakeEvent event;
-    event.Source = &item;
-    const VARIANT argument = test::VariantOf(event);
-    constexpr auto MouseOver = static_cast<DISPID>(0x80010008);
-    constexpr auto MouseOut = static_cast<DISPID>(0x80010009);
-    RunModal(m_dialog, m_page,
-             {Do([&] { m_page.Complete(); }), Do([&] {
-                  const test::FakeDocument& document = m_page.Document;
-                  EXPECT_EQ(document.Fire(MouseOver, {argument}), S_OK);
-                  ASSERT_EQ(style.Colors.size(), 1U);
-                  EXPECT_EQ(style.Colors[0].lVal, 0xFF0000);
-                  EXPECT_EQ(document.Fire(MouseOut, {argument}), S_OK);
-                  ASSERT_EQ(style.Colors.size(), 2U);
-                  EXPECT_EQ(style.Colors[1].lVal, 0x0000FF);
-
-                  for (const wchar_t* const other : {L"items", L"ite", L"Item", L""}) {
-                      item.ClassName = other;
-                      document.Fire(MouseOver, {argument});
-                  }
-                  item.ClassName = std::nullopt;
-                  document.Fire(MouseOver, {argument});
-                  item.ClassName = L"item";
-                  document.Fire(DISPID_MOUSEMOVE, {argument});
-                  document.Fire(MouseOver, {});
-                  event.Source = nullptr;
-                  document.Fire(MouseOver, {argument});
-                  EXPECT_EQ(style.Colors.size(), 2U) << "of other elements, and other events";
-              })});
-    EXPECT_EQ(item.References, 0);
-    EXPECT_EQ(event.References, 0);
-}
-
-TEST_F(Host, AClickOnAnItemStartsIt) {
-    m_installation.SetText(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install", L"installdir",
-                           L"C:\\KorTest\\");
-    test::FakeElement item;
-    item.ClassName = L"item";
-    item.Text = L"text";
-    test::FakeEvent event;
-    event.Source = &item;
-    std::wstring opened;
-    HOOK_IMPORT(execute, ShellExecuteW,
-                [&](HWND, LPCWSTR, LPCWSTR file, LPCWSTR, LPCWSTR, INT) -> HINSTANCE {
-                    opened = file;
-                    return nullptr;
-                });
-    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
-                                    auto* const section = new ControlCenterSection(L"mine", L"");
-                                    m_dialog.Sections.Add(section);
-                                    section->Add(new ControlCenterItem(
-                                        section, L"", L"", L"", L"C:\\there", ItemFolder, L""));
-                                    item.Id = L"MINE_0";
-                                    m_page.Document.Fire(DISPID_CLICK, {test::VariantOf(event)});
-                                })});
-    EXPECT_EQ(opened, L"C:\\there");
-}
-
-TEST_F(Host, KeysGoToTheControlFirst) {
-    HRESULT answer = S_OK;
-    m_page.Browser.OnKey = [&](MSG*) { return answer; };
-    int dispatched = 0;
-    HOOK_IMPORT(dispatch, DispatchMessageW, [&](const MSG* message) -> LRESULT {
-        dispatched += message->message != WM_NULL ? 1 : 0;
-        return 0;
-    });
-    const auto post = [&](UINT message, HRESULT then) {
-        return [&, message, then] {
-            answer = then;
-            MSG posted = {};
-            posted.hwnd = m_dialog.m_hWnd;
-            posted.message = message;
-            posted.wParam = 'A';
-            return posted;
-        };
-    };
-    RunModal(m_dialog, m_page,
-             {post(WM_KEYDOWN, S_OK), Do([&] { EXPECT_EQ(dispatched, 0) << "it was used up"; }),
-              post(WM_MOUSEMOVE, S_OK), post(WM_TIMER, S_OK), post(WM_SYSKEYUP, S_OK), Do([&] {
-                  EXPECT_EQ(m_page.Browser.Keys, (std::vector<UINT>{WM_KEYDOWN, WM_SYSKEYUP}));
-              }),
-              [] {
-                  MSG elsewhere = {};
-                  elsewhere.message = WM_KEYDOWN;
-                  elsewhere.hwnd = GetDesktopWindow();
-                  return elsewhere;
-              },
-              Do([&] { EXPECT_EQ(m_page.Browser.Keys.size(), 2U); })});
-}
-
-TEST_F(Host, AltF4EndsThroughTheQuitMessage) {
-    // Without the help of RunModal, which takes quit messages away.
-    INT_PTR result = 0;
-    HOOK_IMPORT(create, CoCreateInstance,
-                [&](REFCLSID, IUnknown*, DWORD, REFIID iid, void** object) {
-                    return m_page.Browser.Query(iid, object);
-                });
-    m_page.Browser.OnNavigate = [&] { EXPECT_EQ(AskHost(WM_SYSKEYUP, VK_F4), S_OK); };
-    result = m_dialog.DoModal();
-    EXPECT_EQ(result, -1) << "neither OK nor cancel";
-    EXPECT_EQ(m_dialog.m_hWnd, nullptr);
-    MSG message = {};
-    EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE))
-        << "for the loops outside";
-    EXPECT_EQ(message.wParam, 0U);
+TEST_F(Host, WithoutMemoryForThePagesAddressTheDialogIsEmpty) {
+    bool ran = false;
+    HOOK_IMPORT(allocate, SysAllocString, [](const OLECHAR*) -> BSTR { return nullptr; });
+    RunModal(m_dialog, m_page, {Do([&] { ran = true; })});
+    EXPECT_TRUE(ran) << "the exception ends at the border to the window manager";
+    EXPECT_TRUE(m_page.Browser.Navigated.empty());
 }
 
 TEST_F(Host, TheControlFollowsTheWindow) {

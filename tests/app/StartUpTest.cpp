@@ -79,12 +79,34 @@ TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
                      "metric 2", "metric 15", "screen", "registry", "dialog"}));
 }
 
+struct Closing {
+    UINT message;
+    WPARAM wParam;
+};
+
+// The dialog's own command, the window's end, and the button in its caption.
+constexpr Closing Closings[] = {{WM_COMMAND, IDCANCEL}, {WM_CLOSE, 0}, {WM_SYSCOMMAND, SC_CLOSE}};
+
 TEST_F(StartUp, ClosingTheDialogEndsIt) {
-    const INT_PTR result = test::RunModal(
-        m_page,
-        {test::Do([] { SendMessageW(theApp.m_pMainWnd->m_hWnd, WM_COMMAND, IDCANCEL, 0); })},
-        [] { return INT_PTR{theApp.InitInstance()}; });
-    EXPECT_EQ(result, FALSE) << "as with every other end";
+    for (const Closing& closing : Closings) {
+        SCOPED_TRACE(closing.message);
+        bool goesOn = false;
+        const INT_PTR result = test::RunModal(
+            m_page,
+            {test::Do([&] {
+                 SendMessageW(theApp.m_pMainWnd->m_hWnd, closing.message, closing.wParam, 0);
+             }),
+             // The dialog manager posts the command that closes it.
+             [] {
+                 MSG posted = {};
+                 PeekMessageW(&posted, nullptr, WM_COMMAND, WM_COMMAND, PM_REMOVE);
+                 return posted;
+             },
+             test::Do([&] { goesOn = true; })},
+            [] { return INT_PTR{theApp.InitInstance()}; });
+        EXPECT_FALSE(goesOn);
+        EXPECT_EQ(result, FALSE) << "as with every other end";
+    }
 }
 
 TEST_F(StartUp, WithoutAWindowItEndsToo) {

@@ -1,0 +1,45 @@
+// The dialog with a page in a control, both fakes, and an installation.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "app/CkorcontrolcenterDlg.h"
+#include "tests/app/ModalRun.h"
+#include "tests/support/TestInstallation.h"
+
+namespace test {
+
+inline constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
+
+class HostedDialog : public testing::Test {
+protected:
+    HostedDialog() {
+        m_installation.SetText(Library, L"KorVersion", L"1");
+        m_installation.SetText(Library, L"KORType", L"Development");
+    }
+
+    // What the document would do with a key.
+    HRESULT AskHost(UINT message, WPARAM key) {
+        IDocHostUIHandler* handler = nullptr;
+        EXPECT_EQ(m_page.Browser.Site->QueryInterface(IID_PPV_ARGS(&handler)), S_OK);
+        MSG asked = {};
+        asked.message = message;
+        asked.wParam = key;
+        const HRESULT result = handler->TranslateAccelerator(&asked, nullptr, 0);
+        handler->Release();
+        return result;
+    }
+
+    SIZE WindowSize() const {
+        RECT window = {};
+        GetWindowRect(m_dialog.m_hWnd, &window);
+        return {window.right - window.left, window.bottom - window.top};
+    }
+
+    TestInstallation m_installation;
+    FakePage m_page;
+    CkorcontrolcenterDlg m_dialog;
+};
+
+} // namespace test

@@ -16,6 +16,8 @@ foreach(target base registry)
     target_include_directories(${target} PUBLIC $<INSTALL_INTERFACE:include/KORRegistry>)
     target_compile_features(${target} INTERFACE cxx_std_17)
 endforeach()
+# The archives of the release build call the stack protector's library, which only this option links.
+target_link_options(base INTERFACE $<INSTALL_INTERFACE:-fstack-protector-strong>)
 
 configure_package_config_file(cmake/KORRegistryConfig.cmake.in
     ${CMAKE_BINARY_DIR}/KORRegistryConfig.cmake INSTALL_DESTINATION ${kor_package_dir})

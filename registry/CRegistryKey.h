@@ -68,7 +68,7 @@ public:
     bool OpenResolved(bool create, bool write, bool keepOnFailure);
 
     // Closes the key and opens it again. When write access is refused, the key is opened for
-    // reading instead and the result is false.
+    // reading instead and the result is false; when that is refused too, the object is reset.
     bool ReopenForWrite(bool write);
 
     // Moves to another key under the same root and opens it for reading. A leading backslash starts
@@ -131,10 +131,10 @@ public:
     bool VisitValueNames(const NameVisitor& visit) const;
     bool SubKeyExists(const CKORString& name) const;
 
-    // --- Changes. The object is left open for reading on the key where it was, also on failure.
-    // ---
+    // --- Changes. The object is left open for reading on the key where it was, also on failure,
+    // unless the system refuses to open that key again: then it is closed (see ReopenForWrite). ---
 
-    // Whether that rule lets values be written to the key that the object is pointed at.
+    // Whether the rule of AllowWritesAnywhere lets values be written to this key.
     bool IsWritableRoot() const;
 
     // Keep the low 32 bits of the value.
@@ -159,6 +159,8 @@ public:
     // The path may have several components; the last one is deleted with everything in it.
     bool DeleteSubKey(const CKORString& path);
     // Empties the subkey, which stays. What was deleted before a failure stays deleted.
+    // Both follow the path as OpenRelative does: a leading backslash or ".." leads to keys outside
+    // this one, which are emptied then. Check paths that come from elsewhere.
     bool DeleteTree(const CKORString& path);
 
     // destination is a path as Open takes it; the key is created when it does not exist. Copies
@@ -182,11 +184,6 @@ public:
     bool LockVolatile();
     // On the thread that locked.
     bool UnlockVolatile();
-
-protected:
-    // Added to the access that each key is opened with: KEY_WOW64_32KEY, KEY_WOW64_64KEY or
-    // nothing.
-    REGSAM m_extraAccess = 0;
 
 private:
     // Whether an opening that creates or reaches a volatile location may go on.
@@ -229,6 +226,13 @@ private:
     bool m_created = false; // or changed: the destructor flushes
     CKORString m_subKey;
     bool m_ownsRoot = false; // m_root was opened for the current user
+
+protected:
+    // Added to the access that each key is opened with: KEY_WOW64_32KEY, KEY_WOW64_64KEY or
+    // nothing.
+    REGSAM m_extraAccess = 0;
+
+private:
     bool m_constructedWithPath = false;
     bool m_isConstructing = false;                // protects m_constructedWithPath from resets
     std::unique_ptr<CRegistryKey> StampCompanion; // holds the stamped key while a stamp is due

@@ -53,7 +53,16 @@ bool CRegistryKey::DeleteTree(const CKORString& path) {
         return false;
     }
     const CKORString start(m_subKey);
+    const HKEY root = m_ownsRoot ? HKEY_CURRENT_USER : m_root;
+    const std::int32_t volatileClass = VolatileClass;
     const bool emptied = OpenRelative(path) && EmptyOpenKey();
+    // A key that could not be reopened at all, for one that somebody else deleted meanwhile, has
+    // reset the object; what was changed before it is flushed all the same.
+    if (m_root == nullptr) {
+        m_root = root;
+        VolatileClass = volatileClass;
+        m_created = true;
+    }
     return ReturnTo(start) && emptied;
 }
 

@@ -41,6 +41,7 @@ CRegistryKey::StampResult CRegistryKey::StampVolatileRoot(const CKORString& crea
         StampCompanion.reset();
         StampCompanion.reset(new (std::nothrow) CRegistryKey());
         if (StampCompanion != nullptr) {
+            // Intended: the view goes with the companion, the layout is the process's.
             StampCompanion->m_extraAccess = m_extraAccess;
             StampCompanion->OpenSymbolic(VolatileKeyRootOf(id), VolatileKey, true);
         }

@@ -1,5 +1,6 @@
 // How a program uses the registry layer: settings of the current user, a walk, and volatile data
-// that several programs share. It removes what it made.
+// that several programs share. It removes its settings at the end; its volatile data goes with the
+// next restart of the system.
 #include <cstdio>
 
 #include "registry/CRegistryKey.h"
@@ -8,15 +9,12 @@ namespace {
 
 constexpr wchar_t Settings[] = L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\Settings\\Example";
 
-// [write]
 bool SaveSettings() {
     CRegistryKey key(Settings, true);
     return key.IsOpen() && key.WriteString(L"Camera", L"left") && key.WriteDword(L"Gain", 12) &&
            key.CreateSubKey(L"Left") && key.CreateSubKey(L"Right");
 }
-// [write]
 
-// [read]
 bool ShowSettings() {
     CRegistryKey key(Settings);
     CKORString camera;
@@ -27,9 +25,7 @@ bool ShowSettings() {
     std::printf("camera %ls, gain %u\n", camera.Text(), static_cast<unsigned>(gain));
     return true;
 }
-// [read]
 
-// [walk]
 bool ShowSubKeys() {
     CRegistryKey key(Settings);
     CTable1D<CKORString> names;
@@ -41,9 +37,7 @@ bool ShowSubKeys() {
     }
     return true;
 }
-// [walk]
 
-// [volatile]
 bool CountThisRun(std::uint32_t& runs) {
     CRegistryKey key(L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\volatile\\Example", true);
     if (!key.LockVolatile()) {
@@ -56,14 +50,11 @@ bool CountThisRun(std::uint32_t& runs) {
     const bool written = key.WriteDword(L"Runs", runs);
     return key.UnlockVolatile() && written;
 }
-// [volatile]
 
-// [delete]
 bool RemoveSettings() {
     CRegistryKey key(L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\Settings");
     return key.DeleteSubKey(L"Example");
 }
-// [delete]
 
 } // namespace
 

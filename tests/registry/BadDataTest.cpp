@@ -1,10 +1,14 @@
 // Generated values, most of them wrong in some way, through every read, a copy and an enumeration.
 // Each result must be that of a small model that knows nothing of the layer. The guard page behind
 // each block finds what is read beyond the data.
+#include <algorithm>
 #include <map>
+#include <memory>
 #include <random>
+#include <string_view>
 
 #include "tests/registry/RawRegistry.h"
+#include "tests/support/GuardedMemory.h"
 #include "tests/support/ImportHook.h"
 
 namespace {
@@ -64,6 +68,7 @@ std::wstring Characters(const test::RawValue& value) {
 }
 
 std::optional<std::wstring> ModelText(const test::RawValue& value) {
+    const test::PlainMemory plain;
     const std::wstring all = Characters(value);
     if (value.type == REG_SZ || value.type == REG_EXPAND_SZ) {
         return all.substr(0, all.find(L'\0'));
@@ -159,7 +164,7 @@ void ExpectReads(CRegistryKey& key, const CKORString& name, const test::RawValue
 
     CKORString read(L"untouched");
     EXPECT_EQ(key.ReadString(name, read), text.has_value());
-    EXPECT_TRUE(read.Text() == text.value_or(L"untouched"));
+    EXPECT_STREQ(read.Text(), text ? text->c_str() : L"untouched");
 
     // A buffer of just the size, or half of it, with a guard page behind it.
     for (const std::size_t room : {value.data.size(), value.data.size() / 2}) {
@@ -208,38 +213,125 @@ TEST_F(BadData, RealValuesAreReadCopiedAndListed) {
     EXPECT_TRUE(stored.empty());
 }
 
-// Values as they may stand in a registry that somebody else wrote: whatever bytes, for every type.
-TEST_F(BadData, UnterminatedValuesAreReadToTheirEnd) {
-    constexpr int Values = 18500;
-    test::MakeKey(HKEY_CURRENT_USER, TestSubKey);
-    CRegistryKey key(TestKey);
-    test::RawValue value{};
-    const auto answer = [&](HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE buffer,
-                            LPDWORD size) -> LSTATUS {
-        const auto needed = static_cast<DWORD>(value.data.size());
-        const bool fits = buffer == nullptr || *size >= needed;
+// Lists cut a name of this length, reads take it whole.
+TEST_F(BadData, TheLongestNameIsReadLikeAnyOther) {
+    const std::wstring name(16383, L'n');
+    for (const test::RawValue& value :
+         {test::Dword(7), test::Text(REG_SZ, L"text"), test::RawValue{REG_BINARY, {1, 2}}}) {
+        test::SetRaw(HKEY_CURRENT_USER, TestSubKey, name, value);
+        CRegistryKey key(TestKey);
+        ExpectReads(key, name.c_str(), value);
+        EXPECT_TRUE(key.DeleteValue(name.c_str()));
+    }
+}
+
+// A key of values as they may stand in a registry that somebody else wrote: whatever bytes, for
+// every type. It answers in the system's place, for every handle, while it lives, and keeps what is
+// written meanwhile.
+class ForeignKey {
+public:
+    void Put(const std::wstring& name, const test::RawValue& value) {
+        const test::PlainMemory plain;
+        if (m_values.insert_or_assign(name, value).second) {
+            m_names.push_back(name);
+        }
+    }
+    const std::vector<std::wstring>& Names() const { return m_names; }
+    const test::RawValue& Value(const std::wstring& name) const { return m_values.at(name); }
+    std::optional<test::RawValue> Written(const std::wstring& name) const {
+        const auto written = m_written.find(name);
+        return written != m_written.end() ? std::optional(written->second) : std::nullopt;
+    }
+
+private:
+    LSTATUS Query(LPCWSTR name, LPDWORD type, LPBYTE buffer, LPDWORD size) const {
+        const auto found = m_values.find(std::wstring_view(name));
+        if (found == m_values.end()) {
+            return ERROR_FILE_NOT_FOUND;
+        }
+        const std::vector<BYTE>& data = found->second.data;
+        const bool fits = buffer == nullptr || *size >= data.size();
         if (type != nullptr) {
-            *type = value.type;
+            *type = found->second.type;
         }
         if (buffer != nullptr && fits) {
-            std::copy(value.data.begin(), value.data.end(), buffer);
+            std::copy(data.begin(), data.end(), buffer);
         }
         if (size != nullptr) {
-            *size = needed;
+            *size = static_cast<DWORD>(data.size());
         }
         return fits ? LSTATUS{ERROR_SUCCESS} : LSTATUS{ERROR_MORE_DATA};
-    };
-    HOOK_IMPORT(query, RegQueryValueExW, answer);
-    const CKORString name(L"n");
-    auto fresh = std::make_unique<CRegistryKey>(TestKey);
-    for (int i = 0; i < Values; ++i) {
-        value = m_generator.Value();
-        // A buffer that an earlier value grew would hide what lies behind this one.
-        if (i % 10 == 0) {
-            fresh = std::make_unique<CRegistryKey>(TestKey);
+    }
+
+    LSTATUS List(DWORD index, LPWSTR name, LPDWORD length) const {
+        if (index >= m_names.size()) {
+            return ERROR_NO_MORE_ITEMS;
         }
-        ExpectReads(*fresh, name, value);
-        ASSERT_FALSE(HasFailure()) << testing::PrintToString(value).substr(0, 200);
+        const std::wstring& found = m_names[index];
+        if (found.size() >= *length) {
+            return ERROR_MORE_DATA;
+        }
+        *length = static_cast<DWORD>(found.size());
+        std::copy_n(found.c_str(), found.size() + 1, name);
+        return ERROR_SUCCESS;
+    }
+
+    std::map<std::wstring, test::RawValue, std::less<>> m_values;
+    std::vector<std::wstring> m_names; // in the order in which they are listed
+    std::map<std::wstring, test::RawValue> m_written;
+
+    test::ImportHook<struct QueryTag, decltype(&RegQueryValueExW)> m_query{
+        "RegQueryValueExW", [this](HKEY, LPCWSTR name, LPDWORD, LPDWORD type, LPBYTE buffer,
+                                   LPDWORD size) { return Query(name, type, buffer, size); }};
+    test::ImportHook<struct EnumTag, decltype(&RegEnumValueW)> m_enum{
+        "RegEnumValueW", [this](HKEY, DWORD index, LPWSTR name, LPDWORD length, LPDWORD, LPDWORD,
+                                LPBYTE, LPDWORD) { return List(index, name, length); }};
+    test::ImportHook<struct SetTag, decltype(&RegSetValueExW)> m_set{
+        "RegSetValueExW",
+        [this](HKEY, LPCWSTR name, DWORD, DWORD type, const BYTE* data, DWORD size) -> LSTATUS {
+            const test::PlainMemory plain;
+            m_written[name] = {type, std::vector<BYTE>(data, data + size)};
+            return ERROR_SUCCESS;
+        }};
+};
+
+TEST_F(BadData, ForeignValuesAreReadCopiedAndListed) {
+    constexpr int Keys = 37;
+    constexpr std::size_t ValuesInEach = 500;
+    test::MakeKey(HKEY_CURRENT_USER, TestSubKey);
+    test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\copy");
+    for (int i = 0; i < Keys; ++i) {
+        ForeignKey foreign;
+        while (foreign.Names().size() < ValuesInEach) {
+            foreign.Put(m_generator.Name(), m_generator.Value());
+        }
+        std::unique_ptr<CRegistryKey> key;
+        for (std::size_t j = 0; j < ValuesInEach; ++j) {
+            // A buffer that an earlier value grew would hide what lies behind this one.
+            if (j % 10 == 0) {
+                key = std::make_unique<CRegistryKey>(TestKey);
+            }
+            const std::wstring& name = foreign.Names()[j];
+            ExpectReads(*key, name.c_str(), foreign.Value(name));
+            ASSERT_FALSE(HasFailure())
+                << testing::PrintToString(foreign.Value(name)).substr(0, 200);
+        }
+        CTable1D<CKORString> listed;
+        EXPECT_TRUE(key->EnumValueNames(listed));
+        EXPECT_TRUE(std::equal(listed.begin(), listed.end(), foreign.Names().begin(),
+                               foreign.Names().end(),
+                               [](const CKORString& left, const std::wstring& right) {
+                                   return left.Text() == right;
+                               }));
+
+        EXPECT_TRUE(key->CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
+        const test::PlainMemory plain;
+        std::uint32_t number = 0;
+        for (const std::wstring& name : foreign.Names()) {
+            EXPECT_EQ(foreign.Written(name), ModelCopy(foreign.Value(name), number));
+            ASSERT_FALSE(HasFailure())
+                << testing::PrintToString(foreign.Value(name)).substr(0, 200);
+        }
     }
 }
 

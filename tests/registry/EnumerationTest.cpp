@@ -7,10 +7,10 @@
 
 namespace {
 
-using Names = std::vector<std::wstring>;
+using test::MachineKey;
+using test::TestSubKey;
 
-constexpr wchar_t TestKey[] = L"HKEY_LOCAL_MACHINE\\Software\\KORTests";
-constexpr wchar_t TestSubKey[] = L"Software\\KORTests";
+using Names = std::vector<std::wstring>;
 
 class Enumeration : public test::RegistryTest {
 protected:
@@ -30,7 +30,7 @@ TEST_F(Enumeration, ListsSubKeysAndValues) {
         test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"value" + number, test::Dword(1));
         expected.push_back(number);
     }
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     const auto listed = [&](const wchar_t* prefix) {
         Names names;
         for (const std::wstring& name : expected) {
@@ -53,7 +53,7 @@ TEST_F(Enumeration, VisitsTheSameNamesUntilTheVisitorHasEnough) {
         test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey + (L"\\key" + std::wstring(name)));
         test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, test::Dword(1));
     }
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     Names visited;
     const auto visitAll = [&](const wchar_t* name) {
         visited.emplace_back(name);
@@ -79,7 +79,7 @@ TEST_F(Enumeration, VisitsTheSameNamesUntilTheVisitorHasEnough) {
 }
 
 TEST_F(Enumeration, AnEmptyKeyEmptiesTheList) {
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     m_names.Add(L"left from before");
     EXPECT_TRUE(key.EnumSubKeyNames(m_names));
     EXPECT_EQ(m_names.Count(), 0);
@@ -107,7 +107,7 @@ TEST_F(Enumeration, FetchesNamesOnly) {
     test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\KORTests\\a");
     test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"b", test::Dword(1));
     test::RegistryCalls calls;
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     calls.Clear();
     EXPECT_TRUE(key.EnumSubKeyNames(m_names));
     EXPECT_TRUE(key.EnumValueNames(m_names));
@@ -124,7 +124,7 @@ TEST_F(Enumeration, AFailureKeepsTheNamesFoundBefore) {
         test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey + (L"\\" + std::wstring(name)));
         test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, test::Dword(1));
     }
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     test::RegistryCalls calls;
     calls.FailCall(3);
     EXPECT_FALSE(key.EnumSubKeyNames(m_names));
@@ -143,7 +143,7 @@ TEST_F(Enumeration, AFailureKeepsTheNamesFoundBefore) {
 
 // A name that does not fit adds what the buffer holds, here a part of the name without its end.
 TEST_F(Enumeration, NamesThatDoNotFitAreKeptAsTheyLieInTheBuffer) {
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     int calls = 0;
     HOOK_IMPORT(enumKey, RegEnumKeyExW,
                 [&](HKEY, DWORD, LPWSTR name, LPDWORD length, LPDWORD, LPWSTR, LPDWORD,
@@ -166,7 +166,7 @@ TEST_F(Enumeration, ALongValueNameDoesNotEndTheWalk) {
     test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, std::wstring(2000, L'n'), test::Dword(1));
     test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"a", test::Dword(1));
     test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"z", test::Dword(1));
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     EXPECT_TRUE(key.EnumValueNames(m_names));
     EXPECT_EQ(m_names.Count(), 3);
 }
@@ -174,7 +174,7 @@ TEST_F(Enumeration, ALongValueNameDoesNotEndTheWalk) {
 TEST_F(Enumeration, SubKeysExistWhenTheyCanBeOpened) {
     test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\KORTests\\a\\b");
     test::RegistryCalls calls;
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     calls.Clear();
     EXPECT_TRUE(key.SubKeyExists(L"a"));
     EXPECT_EQ(calls.Calls(),

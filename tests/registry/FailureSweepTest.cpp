@@ -4,21 +4,25 @@
 #include <iterator>
 #include <memory>
 
+#include "registry/KeyHandles.h"
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
 #include "tests/support/GuardedMemory.h"
 
 namespace {
 
-constexpr wchar_t UserKey[] = L"HKEY_CURRENT_USER\\Software\\KORTests";
-constexpr wchar_t UserSubKey[] = L"Software\\KORTests";
+using test::TestSubKey;
+using test::UserKey;
+
+constexpr wchar_t ReadsKey[] =
+    L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging Library\\Reads";
 
 // Where an operation leaves the object.
 enum Where : char {
     AtStart = 'S', // open on the key where it was
     Moved = 'M',   // open on the key that the operation leads to
     Located = 'L', // closed, but knows the key where it was
-    Away = 'A',    // closed, but knows a key that a walk had entered
+    Away = 'A',    // closed, but knows the key that it was moved to
     Gone = 'G',    // closed and reset
 };
 
@@ -47,9 +51,24 @@ std::string Times(int count, const char* outcome) {
     return outcomes;
 }
 
+// What the static operations are given.
+HKEY BareKey = nullptr;
+
 const CKORString Name = L"n";
 const CKORString TextName = L"s";
 const CKORString LongName = L"long";
+
+template <typename Value>
+bool Reads(CRegistryKey& key, bool (CRegistryKey::*read)(const CKORString&, Value&),
+           const CKORString& name) {
+    Value value{};
+    return (key.*read)(name, value);
+}
+
+bool Lists(const CRegistryKey& key, bool (CRegistryKey::*list)(CTable1D<CKORString>&) const) {
+    CTable1D<CKORString> names;
+    return (key.*list)(names);
+}
 
 const Operation Operations[] = {
     // Opening: the per-user root has a stand-in, everything else is needed.
@@ -64,6 +83,18 @@ const Operation Operations[] = {
          return key.OpenSymbolic(SymbolicRootId::LocalMachineRoot, L"", false);
      },
      "-G"},
+    {"OpenLocalMachineRuntime", nullptr,
+     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\x",
+     [](CRegistryKey& key) { return key.OpenLocalMachineRuntime(L"x", true); }, "-G"},
+    {"OpenCurrentUserRuntime", nullptr,
+     L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime",
+     [](CRegistryKey& key) { return key.OpenCurrentUserRuntime(L"", false); }, "+M-G"},
+    // Its flush and its two closings are at its end.
+    {"Construct to create", nullptr, L"",
+     [](CRegistryKey&) { return CRegistryKey(UserKey, true).IsOpen(); }, "+G-G+G+G+G"},
+    {"Close and OpenResolved", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.Close(true) && key.OpenResolved(false, true, true); },
+     "-S-L"},
     {"ReopenForWrite", UserKey, nullptr, [](CRegistryKey& key) { return key.ReopenForWrite(true); },
      "-S-S"},
     {"ReopenForWrite to read", UserKey, nullptr,
@@ -71,28 +102,53 @@ const Operation Operations[] = {
     {"OpenRelative", UserKey, L"HKEY_CURRENT_USER\\Software\\KORTests\\a",
      [](CRegistryKey& key) { return key.OpenRelative(L"a"); }, "-L-L"},
     {"Close", UserKey, L"", [](CRegistryKey& key) { return key.Close(); }, "-G-G"},
+    {"CloseIfOpen", UserKey, L"", [](CRegistryKey& key) { return key.CloseIfOpen(); }, "-G-G"},
     {"Flush", UserKey, nullptr, [](CRegistryKey& key) { return key.Flush(); }, "-S"},
     {"FlushCreated", UserKey, nullptr, [](CRegistryKey& key) { return key.FlushCreated(); }, "-S"},
     // Reading.
     {"ValueExists", UserKey, nullptr, [](CRegistryKey& key) { return key.ValueExists(Name); },
      "-S"},
     {"ReadDword", UserKey, nullptr,
+     [](CRegistryKey& key) { return Reads<std::uint32_t>(key, &CRegistryKey::ReadDword, Name); },
+     "-S-S"},
+    {"ReadDwordAsInt64", UserKey, nullptr,
      [](CRegistryKey& key) {
-         std::uint32_t value = 0;
-         return key.ReadDword(Name, value);
+         return Reads<std::int64_t>(key, &CRegistryKey::ReadDwordAsInt64, Name);
      },
      "-S-S"},
-    {"ReadString", UserKey, nullptr,
+    {"ReadDwordAsUInt64", UserKey, nullptr,
      [](CRegistryKey& key) {
-         CKORString value;
-         return key.ReadString(TextName, value);
+         return Reads<std::uint64_t>(key, &CRegistryKey::ReadDwordAsUInt64, Name);
      },
+     "-S-S"},
+    {"ReadQword", ReadsKey, nullptr,
+     [](CRegistryKey& key) { return Reads<std::uint64_t>(key, &CRegistryKey::ReadQword, L"q"); },
+     "-S-S"},
+    {"QueryValue", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.QueryValue(Name, RegValueType::Dword); }, "-S-S"},
+    {"GetValueType", UserKey, nullptr,
+     [](CRegistryKey& key) {
+         RegValueType type = RegValueType::Unknown;
+         return key.GetValueType(Name, type);
+     },
+     "-S"},
+    {"QueryValueTraced", nullptr, L"",
+     [](CRegistryKey&) {
+         RegValueType type = RegValueType::Dword;
+         std::uint32_t value = 0;
+         std::uint64_t size = sizeof value;
+         bool hasMoreData = false;
+         return CRegistryKey::QueryValueTraced(BareKey, Name, type, &value, size, hasMoreData);
+     },
+     "-G"},
+    {"ReadString of a multi-string", ReadsKey, nullptr,
+     [](CRegistryKey& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, L"m"); },
+     "-S-S-S"},
+    {"ReadString", UserKey, nullptr,
+     [](CRegistryKey& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, TextName); },
      "-S-S-S"},
     {"ReadString of a long value", UserKey, nullptr,
-     [](CRegistryKey& key) {
-         CKORString value;
-         return key.ReadString(LongName, value);
-     },
+     [](CRegistryKey& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, LongName); },
      "-S-S-S-S"},
     {"ReadBinary", UserKey, nullptr,
      [](CRegistryKey& key) {
@@ -106,16 +162,14 @@ const Operation Operations[] = {
     {"GetValueCount", UserKey, nullptr, [](CRegistryKey& key) { return key.GetValueCount() != 0; },
      "-S"},
     {"EnumSubKeyNames", UserKey, nullptr,
-     [](CRegistryKey& key) {
-         CTable1D<CKORString> names;
-         return key.EnumSubKeyNames(names);
-     },
-     "-S-S-S"},
+     [](CRegistryKey& key) { return Lists(key, &CRegistryKey::EnumSubKeyNames); }, "-S-S-S"},
     {"EnumValueNames", L"HKEY_CURRENT_USER\\Software\\KORTests\\a", nullptr,
-     [](CRegistryKey& key) {
-         CTable1D<CKORString> names;
-         return key.EnumValueNames(names);
-     },
+     [](CRegistryKey& key) { return Lists(key, &CRegistryKey::EnumValueNames); }, "-S-S"},
+    {"VisitSubKeyNames", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.VisitSubKeyNames([](const wchar_t*) { return true; }); },
+     "-S-S-S"},
+    {"VisitValueNames", L"HKEY_CURRENT_USER\\Software\\KORTests\\a", nullptr,
+     [](CRegistryKey& key) { return key.VisitValueNames([](const wchar_t*) { return true; }); },
      "-S-S"},
     {"SubKeyExists", UserKey, nullptr, [](CRegistryKey& key) { return key.SubKeyExists(L"a"); },
      "-S+S"},
@@ -130,6 +184,9 @@ const Operation Operations[] = {
      [](CRegistryKey& key) { return key.WriteExpandString(Name, TextName); }, "-S-S-S-S-L"},
     {"WriteBinary", UserKey, nullptr,
      [](CRegistryKey& key) { return key.WriteBinary(Name, "abc", 3); }, "-S-S-S-S-L"},
+    {"WriteValue", UserKey, nullptr,
+     [](CRegistryKey& key) { return key.WriteValue(Name, RegValueType::Binary, "abc", 3); },
+     "-S-S-S-S-L"},
     {"DeleteValue", UserKey, nullptr, [](CRegistryKey& key) { return key.DeleteValue(Name); },
      "-S-S-S-S-L"},
     {"CreateSubKey", UserKey, nullptr, [](CRegistryKey& key) { return key.CreateSubKey(L"new"); },
@@ -166,15 +223,39 @@ const Operation Operations[] = {
          return OpenVolatile(key) && key.LockVolatile() && key.UnlockVolatile();
      },
      "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G+M" + Times(4, "-M")},
+    // On a handle alone.
+    {"ValueExists of a handle", nullptr, L"",
+     [](CRegistryKey&) { return ValueExists(BareKey, Name); }, "-G"},
+    {"GetSubKeyCount of a handle", nullptr, L"",
+     [](CRegistryKey&) {
+         std::uint64_t count = 0;
+         return GetSubKeyCount(BareKey, count) && count == 2;
+     },
+     "-G"},
+    {"GetValueCount of a handle", nullptr, L"",
+     [](CRegistryKey&) {
+         std::uint64_t count = 0;
+         return GetValueCount(BareKey, count) && count == 4;
+     },
+     "-G"},
+    {"FlushKeyHandle", nullptr, L"", [](CRegistryKey&) { return FlushKeyHandle(BareKey); }, "-G"},
+    {"CloseKeyHandle", nullptr, L"",
+     [](CRegistryKey&) {
+         HKEY opened = nullptr;
+         return RegOpenKeyExW(HKEY_CURRENT_USER, TestSubKey, 0, KEY_READ, &opened) ==
+                    ERROR_SUCCESS &&
+                CloseKeyHandle(opened);
+     },
+     "-G-G"},
 };
 
 class FailureSweep : public test::RegistryTest {
 protected:
     static void Prepare() {
-        test::DeleteKey(HKEY_CURRENT_USER, UserSubKey);
+        test::DeleteKey(HKEY_CURRENT_USER, TestSubKey);
         test::DeleteKey(HKEY_CURRENT_USER, test::Vantrel);
         test::MakeKey(HKEY_LOCAL_MACHINE, test::Library);
-        const std::wstring base(UserSubKey);
+        const std::wstring base(TestSubKey);
         test::SetRaw(HKEY_CURRENT_USER, base, L"n", test::Dword(1));
         test::SetRaw(HKEY_CURRENT_USER, base, L"s", test::Text(REG_SZ, L"text"));
         test::SetRaw(HKEY_CURRENT_USER, base, L"b", {REG_BINARY, {1, 2, 3}});
@@ -182,6 +263,9 @@ protected:
         test::SetRaw(HKEY_CURRENT_USER, base + L"\\a", L"v", test::Dword(2));
         test::SetRaw(HKEY_CURRENT_USER, base + L"\\a\\aa", L"v", test::Dword(3));
         test::MakeKey(HKEY_CURRENT_USER, base + L"\\b");
+        test::SetRaw(HKEY_CURRENT_USER, test::Library + L"\\Reads", L"q", test::Qword(5));
+        test::SetRaw(HKEY_CURRENT_USER, test::Library + L"\\Reads", L"m",
+                     test::Text(REG_MULTI_SZ, std::wstring(L"a\0", 2)));
         test::SetRaw(HKEY_CURRENT_USER, test::Runtime + L"\\Volatile\\deep", L"v", test::Dword(4));
     }
 
@@ -222,6 +306,7 @@ TEST_F(FailureSweep, EveryCallOfEveryOperationMayFail) {
             char where = '?';
             std::string failedCall;
             std::string faults;
+            RegOpenKeyExW(HKEY_CURRENT_USER, TestSubKey, 0, KEY_READ, &BareKey);
             const std::int64_t blocks = test::LiveBlocks();
             {
                 auto calls = std::make_unique<test::RegistryCalls>();
@@ -235,6 +320,7 @@ TEST_F(FailureSweep, EveryCallOfEveryOperationMayFail) {
                 key.reset();
                 faults = calls->HandleFaults();
             }
+            RegCloseKey(BareKey);
             failedCall.shrink_to_fit();
             EXPECT_EQ(faults, "") << failedCall;
             EXPECT_LE(test::LiveBlocks() - blocks,

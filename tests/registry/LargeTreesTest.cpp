@@ -1,12 +1,15 @@
 // Trees that are large, and trees that are deep.
 #include "tests/registry/RawRegistry.h"
+#include "tests/support/GuardedMemory.h"
 
 namespace {
 
 constexpr wchar_t Source[] = L"HKEY_CURRENT_USER\\Software\\KORTests\\source";
 constexpr wchar_t Copy[] = L"HKEY_CURRENT_USER\\Software\\KORTests\\copy";
 
-class LargeTrees : public test::RegistryTest {};
+class LargeTrees : public test::RegistryTest {
+    const test::PlainMemory m_plain;
+};
 
 void MakeBelow(HKEY parent, const std::wstring& name, int children, int levels) {
     HKEY key = nullptr;

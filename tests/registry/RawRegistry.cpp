@@ -41,7 +41,7 @@ void DeleteLibraryKeys() {
     for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
         DeleteKey(root, Vantrel);
         DeleteKey(root, L"Software\\Wow6432Node\\Vantrel");
-        DeleteKey(root, L"Software\\KORTests");
+        DeleteKey(root, TestSubKey);
     }
 }
 

@@ -14,6 +14,11 @@
 
 namespace test {
 
+// The key that tests work in.
+inline constexpr wchar_t TestSubKey[] = L"Software\\KORTests";
+inline constexpr wchar_t UserKey[] = L"HKEY_CURRENT_USER\\Software\\KORTests";
+inline constexpr wchar_t MachineKey[] = L"HKEY_LOCAL_MACHINE\\Software\\KORTests";
+
 struct RawValue {
     DWORD type;
     std::vector<BYTE> data;

@@ -1,5 +1,5 @@
-// Volatile data over a restart of the system. restart.sh runs this program twice in one prefix and
-// restarts the registry server in between; the stage says which half is played.
+// Volatile data over a restart of the system. wine/restart-in-prefix.sh runs this program twice in
+// one prefix and restarts the registry server in between; the stage says which half is played.
 #include "tests/registry/RawRegistry.h"
 
 namespace {

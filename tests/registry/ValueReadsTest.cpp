@@ -5,17 +5,17 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
+using test::MachineKey;
+using test::TestSubKey;
 
-constexpr wchar_t TestKey[] = L"HKEY_LOCAL_MACHINE\\Software\\KORTests";
-constexpr wchar_t TestSubKey[] = L"Software\\KORTests";
+using Lines = std::vector<std::string>;
 
 class ValueReads : public test::RegistryTest {
 protected:
     void SetUp() override {
         RegistryTest::SetUp();
         test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey);
-        ASSERT_TRUE(m_key.Open(TestKey, false));
+        ASSERT_TRUE(m_key.Open(MachineKey, false));
     }
 
     static void Set(const std::wstring& name, const test::RawValue& value) {
@@ -171,7 +171,7 @@ TEST_F(ValueReads, LongStringsGrowTheBufferOnce) {
     Set(L"long", test::Text(REG_SZ, text));
     Set(L"short", test::Text(REG_SZ, L"s"));
     test::RegistryCalls calls;
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     calls.Clear();
     CKORString read;
     EXPECT_TRUE(key.ReadString(L"long", read));
@@ -195,7 +195,7 @@ TEST_F(ValueReads, LongStringsGrowTheBufferOnce) {
 TEST_F(ValueReads, EachReadMakesItsCallsInOrder) {
     Set(L"n", test::Dword(1));
     test::RegistryCalls calls;
-    CRegistryKey key(TestKey);
+    CRegistryKey key(MachineKey);
     calls.Clear();
     std::uint32_t number = 0;
     EXPECT_TRUE(key.ReadDword(L"n", number));
@@ -216,95 +216,6 @@ TEST_F(ValueReads, EachReadMakesItsCallsInOrder) {
     EXPECT_EQ(key.GetValueCount(), 1U);
     EXPECT_EQ(calls.Calls(),
               (Lines{"RegQueryInfoKeyW(k1, subkeys, -)", "RegQueryInfoKeyW(k1, -, values)"}));
-}
-
-struct ItemsRow {
-    std::wstring data;
-    bool terminated;
-    const wchar_t* text;
-};
-
-// What the system gives back for a query into a buffer, as the tests say; it adds terminators
-// itself.
-class Answer {
-public:
-    Answer(DWORD registryType, std::vector<BYTE> data)
-        : m_type(registryType), m_data(std::move(data)),
-          m_query(
-              "RegQueryValueExW",
-              [this](HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE buffer, LPDWORD size) -> LSTATUS {
-                  const auto needed = static_cast<DWORD>(m_data.size());
-                  const bool fits = buffer == nullptr || *size >= needed;
-                  if (type != nullptr) {
-                      *type = m_type;
-                  }
-                  if (buffer != nullptr && fits) {
-                      std::fill_n(buffer, *size, BYTE{0x41});
-                      std::copy(m_data.begin(), m_data.end(), buffer);
-                  }
-                  if (size != nullptr) {
-                      *size = needed;
-                  }
-                  return fits ? LSTATUS{ERROR_SUCCESS} : LSTATUS{ERROR_MORE_DATA};
-              }) {}
-
-private:
-    DWORD m_type;
-    std::vector<BYTE> m_data;
-    test::ImportHook<struct AnswerTag, decltype(&RegQueryValueExW)> m_query;
-};
-
-TEST_F(ValueReads, MultiStringsAreReadItemByItem) {
-    const ItemsRow rows[] = {
-        {std::wstring(L"x\0y\0z\0", 6), true, L"<x> <y> <z>"},
-        {std::wstring(L"a\0b\0", 4), true, L"<a> <b>"},
-        {std::wstring(L"a\0", 2), true, L"<a>"},
-        {std::wstring(L"a", 1), true, L"<a>"},
-        {std::wstring(L"a", 1), false, L"<a>"},
-        {std::wstring(L"a\0b", 3), false, L"<a> <b>"},
-        {std::wstring(L"a\0\0b\0", 5), true, L"<a>"},
-        {std::wstring(L"\0a\0", 3), true, L"<>"},
-        {std::wstring(), true, L"<>"},
-        {std::wstring(), false, L"<>"},
-        {std::wstring(L"one item\0two", 12), false, L"<one item> <two>"},
-    };
-    for (const ItemsRow& row : rows) {
-        const Answer answer(REG_MULTI_SZ, test::Bytes(row.data, row.terminated));
-        CKORString text;
-        EXPECT_TRUE(m_key.ReadString(L"m", text));
-        EXPECT_EQ(text, row.text);
-        EXPECT_EQ(text.Count(), text.Length() + 1);
-    }
-}
-
-TEST_F(ValueReads, StringsEndWithTheirData) {
-    struct TextRow {
-        std::vector<BYTE> data;
-        std::wstring text;
-    };
-    std::vector<BYTE> odd = test::Bytes(L"ab", false);
-    odd.push_back('c');
-    const TextRow rows[] = {
-        {{}, L""},
-        {{'a'}, L""},
-        {test::Bytes(L"a", false), L"a"},
-        {odd, L"ab"},
-        {test::Bytes(L"ab", true), L"ab"},
-        {test::Bytes(std::wstring(L"ab\0cd", 5), true), L"ab"},
-        {test::Bytes(std::wstring(512, L'y'), false), std::wstring(512, L'y')},
-        {test::Bytes(std::wstring(513, L'y'), false), std::wstring(513, L'y')},
-        {test::Bytes(std::wstring(9000, L'y'), false), std::wstring(9000, L'y')},
-    };
-    for (const DWORD type : {DWORD{REG_SZ}, DWORD{REG_EXPAND_SZ}}) {
-        for (const TextRow& row : rows) {
-            const Answer answer(type, row.data);
-            CRegistryKey key(TestKey);
-            CKORString text(L"before");
-            EXPECT_TRUE(key.ReadString(L"s", text));
-            EXPECT_EQ(text.Text(), row.text);
-            EXPECT_EQ(text.Length(), static_cast<std::int64_t>(row.text.size()));
-        }
-    }
 }
 
 // A value that grows between the two queries, and stays too long for the second one.
@@ -334,7 +245,7 @@ TEST_F(ValueReads, MoreDataAfterTheBufferGrewIsAFailure) {
 TEST_F(ValueReads, EveryQueryMayFail) {
     Set(L"long", {REG_BINARY, std::vector<BYTE>(2000, 7)});
     for (int failing = 1; failing <= 3; ++failing) {
-        CRegistryKey key(TestKey);
+        CRegistryKey key(MachineKey);
         std::vector<BYTE> buffer(2000);
         std::uint64_t size = buffer.size();
         test::RegistryCalls calls;
@@ -350,7 +261,7 @@ TEST_F(ValueReads, WithoutMemoryForTheBufferAReadFails) {
     const CKORString name(L"long");
     std::vector<BYTE> buffer(2000);
     for (int failing = 1; failing <= 2; ++failing) {
-        CRegistryKey key(TestKey);
+        CRegistryKey key(MachineKey);
         std::uint64_t size = buffer.size();
         {
             const test::AllocationFailure failure(failing);

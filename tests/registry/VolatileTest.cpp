@@ -1,8 +1,10 @@
 // Volatile locations: which keys are stamped, with what, and when.
+#include <algorithm>
 #include <ctime>
 
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
+#include "tests/support/GuardedMemory.h"
 
 namespace {
 
@@ -161,6 +163,29 @@ TEST_F(Volatile, StampsThatMayNotBeWrittenAreLeftOut) {
     EXPECT_FALSE(key.WriteDword(L"v", 1U));
 }
 
+TEST_F(Volatile, AStampThatFailsDoesNotKeepTheOthersFromBeingWritten) {
+    using Names = std::vector<std::wstring>;
+    for (const std::wstring refused : {L"Creation Time", L"Process Name", L"PathCreator"}) {
+        CRegistryKey key;
+        {
+            HOOK_IMPORT(set, RegSetValueExW,
+                        [&](HKEY opened, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
+                            DWORD size) {
+                            return name == refused
+                                       ? LSTATUS{ERROR_ACCESS_DENIED}
+                                       : set.Original(opened, name, reserved, type, data, size);
+                        });
+            EXPECT_TRUE(key.OpenCurrentUserRuntime(L"volatile", true));
+        }
+        Names expected = {L":Creation Time", L":PathCreator", L":Process Name"};
+        expected.erase(std::find(expected.begin(), expected.end(), L":" + refused));
+        EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, Runtime + L"\\volatile"), expected);
+        key.Close();
+        TearDown();
+        SetUp();
+    }
+}
+
 TEST_F(Volatile, WithoutCreationAMissingKeyFails) {
     test::MakeKey(HKEY_CURRENT_USER, Runtime);
     CRegistryKey key;
@@ -191,6 +216,22 @@ TEST_F(Volatile, WithoutCreationACompanionThatIsOpenServes) {
     EXPECT_FALSE(test::KeyExists(HKEY_CURRENT_USER, Library + L"\\Development\\volatile"));
 }
 
+TEST_F(Volatile, WithoutMemoryForTheCompanionTheOpeningFails) {
+    CRegistryKey key;
+    const std::int64_t blocks = test::LiveBlocks();
+    {
+        const test::AllocationFailure failure(1, sizeof(CRegistryKey));
+        EXPECT_FALSE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
+        EXPECT_TRUE(failure.Happened());
+    }
+    EXPECT_FALSE(key.IsOpen());
+    EXPECT_EQ(key.GetFullName(), L"");
+    EXPECT_EQ(test::LiveBlocks(), blocks);
+    EXPECT_FALSE(test::KeyExists(HKEY_CURRENT_USER, Runtime + L"\\volatile"));
+    EXPECT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
+    ExpectStamps(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"volatile\\x");
+}
+
 TEST_F(Volatile, AnotherClassDropsThePendingStamp) {
     CRegistryKey key;
     ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
@@ -199,6 +240,40 @@ TEST_F(Volatile, AnotherClassDropsThePendingStamp) {
     ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", false));
     EXPECT_TRUE(key.WriteDword(L"late", 1U));
     EXPECT_FALSE(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"ValueCreator"));
+}
+
+// Also a location of another class; the companion stays, and can still receive stamps.
+TEST_F(Volatile, AnotherVolatileClassDropsThePendingStampToo) {
+    const std::wstring development = Library + L"\\Development\\volatile";
+    CRegistryKey key;
+    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
+    test::MakeKey(HKEY_CURRENT_USER, Library + L"\\Development");
+    test::MakeKey(HKEY_CURRENT_USER, development, true);
+    ASSERT_TRUE(key.OpenSymbolic(SymbolicRootId::CurrentUserDevelopment, L"volatile\\y", true));
+    EXPECT_TRUE(key.WriteDword(L"elsewhere", 1U));
+    EXPECT_FALSE(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"ValueCreator"));
+    EXPECT_FALSE(test::GetRaw(HKEY_CURRENT_USER, development, L"ValueCreator"));
+
+    test::MakeKey(HKEY_LOCAL_MACHINE, Runtime);
+    EXPECT_FALSE(key.OpenLocalMachineRuntime(L"volatile\\z", false));
+    EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"PathCreator"),
+              test::Text(REG_SZ, L"volatile\\z"));
+}
+
+TEST_F(Volatile, ASecondStampingReplacesTheCompanion) {
+    const std::wstring development = Library + L"\\Development\\volatile";
+    CRegistryKey key;
+    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
+    test::RegistryCalls calls;
+    ASSERT_TRUE(key.OpenSymbolic(SymbolicRootId::CurrentUserDevelopment, L"volatile\\y", true));
+    EXPECT_TRUE(key.WriteDword(L"first", 1U));
+    ExpectStamps(HKEY_CURRENT_USER, development, L"volatile\\y");
+    EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, development, L"ValueCreator"),
+              test::Text(REG_SZ, L"first"));
+    EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"PathCreator"),
+              test::Text(REG_SZ, L"volatile\\x"));
+    EXPECT_FALSE(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"ValueCreator"));
+    EXPECT_EQ(calls.CountOf("RegFlushKey"), 1) << "the first companion had written its stamps";
 }
 
 TEST_F(Volatile, AFailedWriteLeavesTheStampDue) {

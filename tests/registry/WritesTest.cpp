@@ -4,11 +4,11 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
+using test::MachineKey;
+using test::TestSubKey;
+using test::UserKey;
 
-constexpr wchar_t UserKey[] = L"HKEY_CURRENT_USER\\Software\\KORTests";
-constexpr wchar_t MachineKey[] = L"HKEY_LOCAL_MACHINE\\Software\\KORTests";
-constexpr wchar_t TestSubKey[] = L"Software\\KORTests";
+using Lines = std::vector<std::string>;
 
 class Writes : public test::RegistryTest {
 protected:
@@ -124,6 +124,36 @@ TEST_F(Writes, OnlySuccessfulChangesAreFlushed) {
     EXPECT_EQ(flushes([](CRegistryKey& key) { key.DeleteValue(L"n"); }), 1);
     EXPECT_EQ(flushes([](CRegistryKey& key) { key.CreateSubKey(L"s"); }), 1);
     EXPECT_EQ(flushes([](CRegistryKey& key) { key.DeleteSubKey(L"s"); }), 1);
+}
+
+// A change that fails does not take back what was changed before it.
+TEST_F(Writes, AFailureDoesNotTakeBackTheNeedToFlush) {
+    const std::function<bool(CRegistryKey&)> failures[] = {
+        [](CRegistryKey& key) { return key.DeleteValue(L"missing"); },
+        [](CRegistryKey& key) { return key.CreateSubKey(L"\\a"); },
+        [](CRegistryKey& key) {
+            HOOK_IMPORT(deleteKey, RegDeleteKeyExW, [](HKEY, LPCWSTR, REGSAM, DWORD) -> LSTATUS {
+                return ERROR_ACCESS_DENIED;
+            });
+            return key.DeleteSubKey(L"made");
+        },
+        [](CRegistryKey& key) {
+            HOOK_IMPORT(set, RegSetValueExW,
+                        [](HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) -> LSTATUS {
+                            return ERROR_ACCESS_DENIED;
+                        });
+            return key.WriteDword(L"n", 1U);
+        },
+    };
+    for (const auto& fails : failures) {
+        test::RegistryCalls calls;
+        {
+            CRegistryKey key(UserKey);
+            EXPECT_TRUE(key.CreateSubKey(L"made"));
+            EXPECT_FALSE(fails(key));
+        }
+        EXPECT_EQ(calls.CountOf("RegFlushKey"), 1);
+    }
 }
 
 struct RuleRow {

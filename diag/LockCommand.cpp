@@ -60,7 +60,7 @@ bool RunAndWait(std::wstring line, DWORD& exitCode) {
 } // namespace
 
 ExitCode RunRegistryLock(const Arguments& arguments, Streams& streams) {
-    SelectLayout(arguments);
+    SelectLayoutAndRule(arguments);
     CRegistryKey key;
     if (!OpenKey(arguments, streams, key)) {
         return ExitCode::No;

@@ -66,8 +66,11 @@ bool ReadBytes(CRegistryKey& key, const CKORString& name, CKORString& text) {
 
 } // namespace
 
-void SelectLayout(const Arguments& arguments) {
+void SelectLayoutAndRule(const Arguments& arguments) {
     CRegistryKey::SetRtxMode(arguments.Has(OptionRtx));
+    if (arguments.Has(OptionAnywhere)) {
+        CRegistryKey::SetAllowWritesAnywhere();
+    }
 }
 
 bool OpenKey(const Arguments& arguments, Streams& streams, CRegistryKey& key) {

@@ -4,8 +4,9 @@
 #include "diag/Commands.h"
 #include "registry/CRegistryKey.h"
 
-// Selects the layout that the arguments ask for, for all key objects from now on.
-void SelectLayout(const Arguments& arguments);
+// Selects the layout that the arguments ask for, for all key objects from now on, and whether
+// values may be written anywhere.
+void SelectLayoutAndRule(const Arguments& arguments);
 
 // Opens the key of the first operand, and creates it with --create. Otherwise says why not.
 bool OpenKey(const Arguments& arguments, Streams& streams, CRegistryKey& key);

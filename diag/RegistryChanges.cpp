@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "diag/RegistryAccess.h"
@@ -16,12 +17,6 @@ ExitCode Outcome(Streams& streams, bool succeeded, const CKORString& complaint) 
         Complain(streams, complaint);
     }
     return succeeded ? ExitCode::Answered : ExitCode::No;
-}
-
-void AllowWrites(const Arguments& arguments) {
-    if (arguments.Has(OptionAnywhere)) {
-        CRegistryKey::SetAllowWritesAnywhere();
-    }
 }
 
 CKORString WritableRootRule(const CRegistryKey& key) {
@@ -133,7 +128,7 @@ bool Write(CRegistryKey& key, const CKORString& name, const NewValue& value) {
 // Runs an operation that takes the key of the first operand and the text of the second one.
 ExitCode Change(const Arguments& arguments, Streams& streams,
                 bool (CRegistryKey::*operation)(const CKORString&), const wchar_t* failed) {
-    SelectLayout(arguments);
+    SelectLayoutAndRule(arguments);
     CRegistryKey key;
     if (!OpenKey(arguments, streams, key)) {
         return ExitCode::No;
@@ -142,6 +137,21 @@ ExitCode Change(const Arguments& arguments, Streams& streams,
     return Outcome(streams, (key.*operation)(arguments.Operand(1)),
                    CKORString(failed) + L" \"" + arguments.Operand(1) + L"\" of " + keyName +
                        L": it does not exist, or the system refused");
+}
+
+// The layer follows such paths upwards, or to the root, and would empty what they lead to.
+bool LeadsOut(const std::wstring& subKey) {
+    const std::wstring components = L"\\" + subKey + L"\\";
+    return subKey.empty() || subKey[0] == L'\\' || components.find(L"\\..\\") != std::wstring::npos;
+}
+
+ExitCode Delete(const Arguments& arguments, Streams& streams,
+                bool (CRegistryKey::*operation)(const CKORString&), const wchar_t* failed) {
+    if (LeadsOut(arguments.Operands[1])) {
+        Complain(streams, L"the subkey must be the name of one, or a path below the key");
+        return ExitCode::WrongUsage;
+    }
+    return Change(arguments, streams, operation, failed);
 }
 
 // The values of a copy are written one by one, and one that is refused is skipped without a word.
@@ -187,6 +197,20 @@ CKORString ExclusionOf(const CRegistryKey& source, const CKORString& destination
     return exclusion.c_str();
 }
 
+// Runs a copy of the first operand's key to the second operand.
+ExitCode Copy(const Arguments& arguments, Streams& streams,
+              bool (*copy)(CRegistryKey& key, const CKORString& destination),
+              const wchar_t* failed) {
+    SelectLayoutAndRule(arguments);
+    CRegistryKey key;
+    if (!OpenKey(arguments, streams, key)) {
+        return ExitCode::No;
+    }
+    const bool copied = copy(key, arguments.Operand(1));
+    WarnOfRefusedCopies(arguments, streams);
+    return Outcome(streams, copied, failed);
+}
+
 } // namespace
 
 ExitCode RunRegistrySet(const Arguments& arguments, Streams& streams) {
@@ -195,8 +219,7 @@ ExitCode RunRegistrySet(const Arguments& arguments, Streams& streams) {
         Complain(streams, L"there is no such type, or these are no data for it");
         return ExitCode::WrongUsage;
     }
-    SelectLayout(arguments);
-    AllowWrites(arguments);
+    SelectLayoutAndRule(arguments);
     CRegistryKey key;
     if (!OpenKey(arguments, streams, key)) {
         return ExitCode::No;
@@ -215,39 +238,33 @@ ExitCode RunRegistryCreateKey(const Arguments& arguments, Streams& streams) {
 }
 
 ExitCode RunRegistryDeleteKey(const Arguments& arguments, Streams& streams) {
-    return Change(arguments, streams, &CRegistryKey::DeleteSubKey, L"could not delete the subkey");
+    return Delete(arguments, streams, &CRegistryKey::DeleteSubKey, L"could not delete the subkey");
 }
 
 ExitCode RunRegistryDeleteTree(const Arguments& arguments, Streams& streams) {
-    return Change(arguments, streams, &CRegistryKey::DeleteTree, L"could not empty the subkey");
+    return Delete(arguments, streams, &CRegistryKey::DeleteTree, L"could not empty the subkey");
 }
 
 ExitCode RunRegistryCopyValues(const Arguments& arguments, Streams& streams) {
-    SelectLayout(arguments);
-    AllowWrites(arguments);
-    CRegistryKey key;
-    if (!OpenKey(arguments, streams, key)) {
-        return ExitCode::No;
-    }
-    const bool copied = key.CopyValues(arguments.Operand(1));
-    WarnOfRefusedCopies(arguments, streams);
-    return Outcome(streams, copied, L"the values could not be copied");
+    return Copy(
+        arguments, streams,
+        [](CRegistryKey& key, const CKORString& destination) {
+            return key.CopyValues(destination);
+        },
+        L"the values could not be copied");
 }
 
 ExitCode RunRegistryCopyTree(const Arguments& arguments, Streams& streams) {
-    SelectLayout(arguments);
-    AllowWrites(arguments);
-    CRegistryKey key;
-    if (!OpenKey(arguments, streams, key)) {
-        return ExitCode::No;
-    }
-    const bool copied = key.CopyTree(arguments.Operand(1), ExclusionOf(key, arguments.Operand(1)));
-    WarnOfRefusedCopies(arguments, streams);
-    return Outcome(streams, copied, L"the tree could not be copied");
+    return Copy(
+        arguments, streams,
+        [](CRegistryKey& key, const CKORString& destination) {
+            return key.CopyTree(destination, ExclusionOf(key, destination));
+        },
+        L"the tree could not be copied");
 }
 
 ExitCode RunRegistryClearVolatile(const Arguments& arguments, Streams& streams) {
-    SelectLayout(arguments);
+    SelectLayoutAndRule(arguments);
     CRegistryKey key;
     return Outcome(
         streams, key.ClearCurrentUserVolatile(),

@@ -76,7 +76,7 @@ bool ListAsJson(Utf8Output& output, CRegistryKey& key) {
 } // namespace
 
 ExitCode RunRegistryGet(const Arguments& arguments, Streams& streams) {
-    SelectLayout(arguments);
+    SelectLayoutAndRule(arguments);
     CRegistryKey key;
     if (!OpenKey(arguments, streams, key) || !HasValue(arguments, streams, key)) {
         return ExitCode::No;
@@ -101,7 +101,7 @@ ExitCode RunRegistryGet(const Arguments& arguments, Streams& streams) {
 }
 
 ExitCode RunRegistryList(const Arguments& arguments, Streams& streams) {
-    SelectLayout(arguments);
+    SelectLayoutAndRule(arguments);
     CRegistryKey key;
     if (!OpenKey(arguments, streams, key)) {
         return ExitCode::No;
@@ -115,7 +115,7 @@ ExitCode RunRegistryList(const Arguments& arguments, Streams& streams) {
 }
 
 ExitCode RunRegistryType(const Arguments& arguments, Streams& streams) {
-    SelectLayout(arguments);
+    SelectLayoutAndRule(arguments);
     CRegistryKey key;
     if (!OpenKey(arguments, streams, key) || !HasValue(arguments, streams, key)) {
         return ExitCode::No;
@@ -130,7 +130,7 @@ ExitCode RunRegistryType(const Arguments& arguments, Streams& streams) {
 }
 
 ExitCode RunRegistryName(const Arguments& arguments, Streams& streams) {
-    SelectLayout(arguments);
+    SelectLayoutAndRule(arguments);
     CRegistryKey key;
     if (!OpenKey(arguments, streams, key)) {
         return ExitCode::No;

@@ -210,14 +210,14 @@ class RuntimeInstallation(Reading):
             f"  Folders | {reason}",
             f'  General Tools, item "Tutorials directory" | the folder is missing or empty: '
             rf"{library}\Tutorial videos",
-            "  Flow Forge versions | the registry key does not exist: " +
+            "  Flow Forge versions | the registry key does not exist or may not be read: " +
             flow_forge.format("", "Installed Versions"),
-            "  Flow Forge versions (32-bit) | the registry key does not exist: " +
+            "  Flow Forge versions (32-bit) | the registry key does not exist or may not be read: " +
             flow_forge.format("Wow6432Node\\", "Installed Versions"),
             rf"  ActiveKOR | the control file does not exist: the folder {library}\ActiveKOR does not exist",
             "  Flow Forge | the program does not exist: the Flow Forge install folder is empty: the value "
             f'"InstallationPath" of {flow_forge.format("", "Install")} does not exist',
-            rf"  KOR for RTOS | the registry key does not exist: {LIBRARY}\RTX"])
+            rf"  KOR for RTOS | the registry key does not exist or may not be read: {LIBRARY}\RTX"])
 
     def test_an_install_folder_without_its_backslash(self):
         key = f"[{RUNTIME}\\install]\n"

@@ -194,6 +194,20 @@ class Changes(RegistryCommands):
         self.refuse(gone.format('could not delete the subkey "a"'), "delete-key", USER, "a")
         self.refuse(gone.format('could not empty the subkey "a"'), "delete-tree", USER, "a")
 
+    def test_deleting_stays_below_the_key(self):
+        self.succeed("set", USER + r"\a\b", "n", "dword", "1", "--create")
+        self.succeed("create-key", USER, "keep")
+        for command in ("delete-key", "delete-tree"):
+            refusal = ("kordiag: the subkey must be the name of one, or a path below the key\n"
+                       f"usage: kordiag registry {command} PATH SUBKEY [--rtx]\n")
+            for path in ("..", r"..\keep", r"b\..", r"b\..\..", "\\", r"\Software", ""):
+                with self.subTest(command, path=path):
+                    self.assertEqual(self.kordiag(command, USER + r"\a", path), (2, "", refusal))
+        self.assertEqual(self.list(USER)["subkeys"], ["a", "keep"])
+        self.assertEqual(self.values(USER + r"\a\b"), {"n": ("dword", 1)})
+        self.succeed("create-key", USER + r"\a", "..b")
+        self.succeed("delete-key", USER + r"\a", "..b")
+
     def test_copies(self):
         self.prefix.import_registry(f'[{USER}\\src]\n"d"=dword:1\n"s"="x"\n"q"=hex(b):01,00,00,00,00,00,00,00\n'
                                     f'"m"=hex(7):00,00\n\n[{USER}\\src\\sub]\n"t"="y"\n')

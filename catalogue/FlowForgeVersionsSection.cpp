@@ -75,8 +75,9 @@ bool Exists(const CKORString& path) {
     return PathFileExistsW(path.Text()) != FALSE;
 }
 
-// Down into a listed subkey and back up. A subkey that cannot be opened is not noticed, and the way
-// up then leads one level higher: the rest of the pass finds nothing. Accepted.
+// Down into a listed subkey and back up. A subkey that cannot be opened is not noticed: the key is
+// closed then, so no value is found in it, and the way up leads one level higher, where the rest of
+// the pass finds nothing. Accepted.
 class VisitedSubKey {
 public:
     VisitedSubKey(CRegistryKey& key, const CKORString& name) : m_key(key) {
@@ -140,6 +141,11 @@ bool ReadFolders(CRegistryKey& key, Version& version) {
     return true;
 }
 
+const wchar_t* WhyWithoutFolders(const CRegistryKey& key) {
+    return key.IsOpen() ? L"the version's key has no value \"InstallationPath\""
+                        : L"the version's key, or one listed beside it, may not be read";
+}
+
 CKORString TitleOf(const CKORString& versionName, bool is32Bit) {
     return L"Flow Forge " + versionName + (is32Bit ? L" (32-bit)" : L"");
 }
@@ -172,7 +178,8 @@ void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit) {
     const wchar_t* const versionsKey = is32Bit ? VersionsKey32Bit : VersionsKey;
     if (!key.Open(versionsKey, false)) {
         sections.Omissions.Add({TitleOf(L"versions", is32Bit), L"",
-                                L"the registry key does not exist", versionsKey, PathBase::None});
+                                L"the registry key does not exist or may not be read", versionsKey,
+                                PathBase::None});
         return;
     }
     CTable1D<CKORString> names;
@@ -186,8 +193,7 @@ void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit) {
         if (ReadFolders(key, version)) {
             AddVersionSection(sections, version, is32Bit);
         } else {
-            sections.Omissions.Add({TitleOf(name, is32Bit), L"",
-                                    L"the version's key has no value \"InstallationPath\"",
+            sections.Omissions.Add({TitleOf(name, is32Bit), L"", WhyWithoutFolders(key),
                                     CKORString(versionsKey) + L"\\" + name, PathBase::None});
         }
     }

@@ -61,7 +61,7 @@ inline PathBase BaseOf(CKORString Installation::*text) {
                                                           : PathBase::FlowForgeInstallDir;
 }
 
-// False, with a note, when the row's condition does not hold.
+// False when the row's condition does not hold, with a note unless it is one of alternatives.
 template <typename Bases>
 bool IsMade(SectionTable& sections, const ControlCenterSection& section, const ItemRow<Bases>& row,
             const Bases& bases, const CKORString& target) {

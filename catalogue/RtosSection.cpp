@@ -22,8 +22,8 @@ void BuildRtosSection(SectionTable& sections, const Installation& installation) 
     // The key's existence alone decides.
     CRegistryKey key;
     if (!key.Open(RtxKey, false)) {
-        sections.Omissions.Add(
-            {Title, L"", L"the registry key does not exist", RtxKey, PathBase::None});
+        sections.Omissions.Add({Title, L"", L"the registry key does not exist or may not be read",
+                                RtxKey, PathBase::None});
         return;
     }
     AddItems(sections, AddSection(sections, L"RT", Title), Items, installation);

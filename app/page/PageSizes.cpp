@@ -6,8 +6,9 @@ namespace {
 
 constexpr int UnscaledDpi = 96;
 constexpr std::int64_t ScaledBaseWidth = 1405;
-constexpr std::int64_t BannerHalfWidth = 320;
-constexpr std::int64_t BannerHeightWithMargins = 234;
+// Fixed: a banner of another size does not change them.
+constexpr std::int64_t HalfPageWidth = 320;
+constexpr std::int64_t HeightAboveTheRows = 234;
 
 int ScreenDpi() {
     const HDC screen = GetDC(nullptr);
@@ -41,10 +42,10 @@ PageSizes ComputePageSizes(const ScreenMetrics& metrics) {
     } else {
         // The frame's height in a width, and its width in the height below: intended.
         sizes.BaseWidth =
-            metrics.VerticalScrollBarWidth + 2 * (metrics.DialogFrameHeight + BannerHalfWidth);
+            metrics.VerticalScrollBarWidth + 2 * (metrics.DialogFrameHeight + HalfPageWidth);
     }
     sizes.BaseHeight = metrics.MenuHeight + std::int64_t{2} * metrics.DialogFrameWidth +
-                       BannerHeightWithMargins + metrics.HorizontalScrollBarHeight;
+                       HeightAboveTheRows + metrics.HorizontalScrollBarHeight;
     // One pixel less at exactly 144 DPI: intended.
     sizes.WindowWidth = metrics.Dpi == 144 ? sizes.BaseWidth - 1 : sizes.BaseWidth;
     sizes.WindowHeight = sizes.BaseHeight;

@@ -119,6 +119,16 @@ TEST(FlowForgeVersions, TheExamplesFolderIsTheVersionsOwnWhenItHasOne) {
         << "a backslash is added also behind one";
 }
 
+TEST(FlowForgeVersions, AnInstallFolderThatEndsInABackslashGetsAnotherOne) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.1", Product);
+    installed.SetText(Versions64 + L"3.1", L"InstallationPath", L"C:\\KorTest\\3.1\\");
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    ASSERT_EQ(sections.Count(), 1);
+    EXPECT_STREQ((*sections[0])[0]->Path.Text(), L"C:\\KorTest\\3.1\\\\FlowForge.exe");
+}
+
 TEST(FlowForgeVersions, ToolsAloneGiveASectionWithTheManagerOnly) {
     const test::TestInstallation installed;
     Install(installed, L"3.1", Tools);
@@ -243,11 +253,15 @@ TEST(FlowForgeVersions, AValueThatIsNoTextCountsAsAnEmptyFolder) {
     BuiltSections sections;
     BuildFlowForgeVersionsSection(sections, false);
     EXPECT_EQ(sections.Count(), 0);
+    // The value is there, so the folder was tested; it is the root of the drive.
+    ASSERT_EQ(sections.Omissions.Count(), 1);
+    EXPECT_STREQ(sections.Omissions[0].Tested.Text(), L"\\FlowForge.exe");
+    EXPECT_STREQ(sections.Omissions[0].Reason, L"neither the program nor a folder Tools exists");
 }
 
 // A listed subkey that cannot be opened: the walk loses its place, and nothing that comes after it
 // is found any more.
-CTable1D<CKORString> KeysWhileRefused(const std::wstring& refused) {
+void BuildWhileRefused(const std::wstring& refused, SectionTable& sections) {
     HOOK_IMPORT(open, RegOpenKeyExW,
                 [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
                     const std::wstring name = subKey;
@@ -256,23 +270,27 @@ CTable1D<CKORString> KeysWhileRefused(const std::wstring& refused) {
                                ? LSTATUS{ERROR_ACCESS_DENIED}
                                : open.Original(root, subKey, options, access, result);
                 });
-    BuiltSections sections;
     BuildFlowForgeVersionsSection(sections, false);
-    CTable1D<CKORString> keys;
-    for (const ControlCenterSection* const section : sections) {
-        keys.Add(section->Key);
-    }
-    return keys;
 }
+
+constexpr wchar_t NotRead[] = L"the version's key, or one listed beside it, may not be read";
 
 TEST(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
     const test::TestInstallation installed;
     for (const wchar_t* const version : {L"1.0", L"2.0", L"3.0"}) {
         Install(installed, version, Product | Manager);
     }
-    EXPECT_EQ(KeysWhileRefused(L"2.0").Count(), 0)
+    BuiltSections without;
+    BuildWhileRefused(L"2.0", without);
+    EXPECT_EQ(without.Count(), 0)
         << "the place is lost while the manager is chosen, before any section is made";
-    EXPECT_EQ(KeysWhileRefused(L"none").Count(), 3);
+    ASSERT_EQ(without.Omissions.Count(), 3);
+    for (const Omission& omission : without.Omissions) {
+        EXPECT_STREQ(omission.Reason, NotRead);
+    }
+    BuiltSections with;
+    BuildWhileRefused(L"none", with);
+    EXPECT_EQ(with.Count(), 3);
 }
 
 TEST(FlowForgeVersions, ARefusedSubKeyOfThreePiecesEndsTheSections) {
@@ -280,9 +298,13 @@ TEST(FlowForgeVersions, ARefusedSubKeyOfThreePiecesEndsTheSections) {
     for (const wchar_t* const version : {L"1.0", L"2.0.0", L"3.0"}) {
         Install(installed, version, Product | Manager);
     }
-    const CTable1D<CKORString> keys = KeysWhileRefused(L"2.0.0");
-    ASSERT_EQ(keys.Count(), 1);
-    EXPECT_STREQ(keys[0].Text(), L"FLOWFORGE-1.0");
+    BuiltSections sections;
+    BuildWhileRefused(L"2.0.0", sections);
+    ASSERT_EQ(sections.Count(), 1);
+    EXPECT_STREQ(sections[0]->Key.Text(), L"FLOWFORGE-1.0");
+    ASSERT_EQ(sections.Omissions.Count(), 2);
+    EXPECT_STREQ(sections.Omissions[1].Title.Text(), L"Flow Forge 3.0");
+    EXPECT_STREQ(sections.Omissions[1].Reason, NotRead);
 }
 
 } // namespace

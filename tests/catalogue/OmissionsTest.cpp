@@ -32,7 +32,7 @@ void ExpectNotes(const SectionTable& sections, const std::vector<Note>& expected
     }
 }
 
-constexpr wchar_t NoKey[] = L"the registry key does not exist";
+constexpr wchar_t NoKey[] = L"the registry key does not exist or may not be read";
 constexpr wchar_t NoExamples[] = L"the examples root is no existing folder";
 const std::wstring FlowForgeKey = L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Flow Forge\\";
 const std::wstring FlowForgeKey32 =

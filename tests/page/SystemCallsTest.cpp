@@ -35,6 +35,7 @@ public:
         m_installed.SetText(Library, L"KORType", L"Development");
         m_installed.SetText(Library, L"KorVersion", L"1");
         m_installed.MakeKey(std::wstring(Library) + L"\\RTX");
+        m_installed.MakeKey(L"Vantrel\\Vantrel Flow Forge\\Active Runtime");
         m_installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0",
                             L"InstallationPath", L"C:\\KorTest\\FF");
         m_installed.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
@@ -57,6 +58,16 @@ private:
     ControlCenterPage m_page;
 };
 
+TEST(SystemCalls, OfAskingForTheFolders) {
+    const test::TestInstallation nothing;
+    ControlCenterPage page;
+    const std::string install = "Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install";
+    EXPECT_EQ(
+        CallsOf([&] { page.QueryInstallation(); }),
+        (Calls{"open " + install, "open " + install + "\\ActiveKor", "open " + install + "\\KOR",
+               "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Install"}));
+}
+
 TEST(SystemCalls, OfBuildingTheCatalogue) {
     FullInstallation full;
     const Calls calls = CallsOf([&] { full.Page().BuildSections(); });
@@ -69,7 +80,7 @@ TEST(SystemCalls, OfBuildingTheCatalogue) {
             "attributes C:\\KorTest\\Ex", "attributes C:\\KorTest\\Tools\\TimeScope.exe",
             "attributes C:\\KorTest\\Tutorial videos", "empty? C:\\KorTest\\Tutorial videos",
             // The versions of the 64-bit view: the probe, the list ...
-            "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime",
+            "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime", "close",
             std::string("open ") + VersionsKey, "enumerate 0", "enumerate 1",
             // ... the newest manager ...
             "close", std::string("open ") + VersionKey});
@@ -83,7 +94,7 @@ TEST(SystemCalls, OfBuildingTheCatalogue) {
                       "exists C:\\KorTest\\FF\\FlowForge.exe", "close",
                       std::string("open ") + VersionsKey, "close",
                       // The 32-bit view has none.
-                      "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime",
+                      "open SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Active Runtime", "close",
                       "open SOFTWARE\\Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions",
                       // ActiveKOR, the single Flow Forge, KOR for RTOS
                       "exists C:\\KorTest\\ActiveKOR/Controls/kor.ocx",

@@ -139,8 +139,9 @@ CKORString CKORString::Mid(std::int64_t start, std::int64_t count) const {
     const std::int64_t length = count == -1 ? Length() - start : count;
     CKORString result{WithoutStorage()};
     result.SetSize(length + 1, false);
+    // Up to the end: the copy ends at the first null.
+    std::fill(result.m_data, result.m_data + length + 1, L'\0');
     wcsncpy_s(result.m_data, AsSize(length + 1), Text() + start, AsSize(length));
-    result.m_data[length] = L'\0';
     return result;
 }
 

@@ -96,7 +96,7 @@ public:
     // Reads the value into the object's own buffer.
     bool QueryValue(const CKORString& name, RegValueType requestedType);
     bool ReadDword(const CKORString& name, std::uint32_t& value);
-    bool ReadDword(const CKORString& name, std::int32_t& value);
+    bool ReadDword(const CKORString& name, DWORD& value);
     bool ReadDwordAsInt64(const CKORString& name, std::int64_t& value);
     bool ReadDwordAsUInt64(const CKORString& name, std::uint64_t& value);
     bool ReadQword(const CKORString& name, std::uint64_t& value);
@@ -142,6 +142,9 @@ public:
     bool WriteDword(const CKORString& name, std::int32_t value);
     bool WriteDword(const CKORString& name, std::uint64_t value);
     bool WriteDword(const CKORString& name, std::int64_t value);
+    // The system's own types, which are none of those above.
+    bool WriteDword(const CKORString& name, DWORD value);
+    bool WriteDword(const CKORString& name, LONG value);
     bool WriteQword(const CKORString& name, std::uint64_t value);
     bool WriteQword(const CKORString& name, std::int64_t value);
     bool WriteString(const CKORString& name, const CKORString& value);

@@ -21,7 +21,7 @@ LSTATUS NextValue(HKEY key, DWORD index, wchar_t* name, DWORD* length) {
 
 // visit gives false to end the walk early, which is a success too.
 template <typename Visit>
-bool Walk(HKEY key, EnumFunction next, Visit visit) {
+bool Walk(HKEY key, EnumFunction next, const Visit& visit) {
     if (key == nullptr) {
         return false;
     }
@@ -67,11 +67,11 @@ bool CRegistryKey::EnumValueNames(CTable1D<CKORString>& names) const {
 }
 
 bool CRegistryKey::VisitSubKeyNames(const NameVisitor& visit) const {
-    return Walk(m_handle, NextSubKey, visit);
+    return visit != nullptr && Walk(m_handle, NextSubKey, visit);
 }
 
 bool CRegistryKey::VisitValueNames(const NameVisitor& visit) const {
-    return Walk(m_handle, NextValue, visit);
+    return visit != nullptr && Walk(m_handle, NextValue, visit);
 }
 
 bool CRegistryKey::SubKeyExists(const CKORString& name) const {

@@ -81,6 +81,11 @@ void CRegistryKey::LeaveClosed() {
 }
 
 bool CRegistryKey::EnterSubKey(const CKORString& name) {
+    // It would lead to the same key again, and the walk would not end.
+    if (name.Length() == 0) {
+        LeaveClosed();
+        return false;
+    }
     CKORString subKey(m_subKey);
     AppendComponent(subKey, name.Text());
     return MoveTo(subKey);

@@ -57,13 +57,15 @@ bool CRegistryKey::DeleteTree(const CKORString& path) {
     const std::int32_t volatileClass = VolatileClass;
     const bool emptied = OpenRelative(path) && EmptyOpenKey();
     // A key that could not be reopened at all, for one that somebody else deleted meanwhile, has
-    // reset the object; what was changed before it is flushed all the same.
+    // reset the object. Whether something was changed before is forgotten, so it is flushed.
     if (m_root == nullptr) {
         m_root = root;
         VolatileClass = volatileClass;
         m_created = true;
     }
-    return ReturnTo(start) && emptied;
+    // A refused way back leaves the object closed, but the subkey is empty.
+    ReturnTo(start);
+    return emptied;
 }
 
 // Depth first: each subkey is emptied, left and deleted before the next one is entered.

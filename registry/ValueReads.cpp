@@ -123,13 +123,13 @@ bool CRegistryKey::ReadDword(const CKORString& name, std::uint32_t& value) {
     return ReadExactly(name, RegValueType::Dword, &value, sizeof value);
 }
 
-bool CRegistryKey::ReadDword(const CKORString& name, std::int32_t& value) {
+bool CRegistryKey::ReadDword(const CKORString& name, DWORD& value) {
     return ReadExactly(name, RegValueType::Dword, &value, sizeof value);
 }
 
 bool CRegistryKey::ReadDwordAsInt64(const CKORString& name, std::int64_t& value) {
     std::int32_t number = 0;
-    if (!ReadDword(name, number)) {
+    if (!ReadExactly(name, RegValueType::Dword, &number, sizeof number)) {
         return false;
     }
     value = number;

@@ -46,6 +46,14 @@ bool CRegistryKey::WriteDword(const CKORString& name, std::int64_t value) {
     return WriteDword(name, static_cast<std::uint32_t>(value));
 }
 
+bool CRegistryKey::WriteDword(const CKORString& name, DWORD value) {
+    return WriteDword(name, std::uint32_t{value});
+}
+
+bool CRegistryKey::WriteDword(const CKORString& name, LONG value) {
+    return WriteDword(name, std::int32_t{value});
+}
+
 bool CRegistryKey::WriteQword(const CKORString& name, std::uint64_t value) {
     return WriteValue(name, RegValueType::Qword, &value, sizeof value);
 }

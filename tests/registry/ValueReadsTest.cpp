@@ -75,15 +75,15 @@ TEST_F(ValueReads, TakeTheirOwnTypeOnly) {
         }
 
         std::uint32_t u32 = 0xdeadbeef;
-        std::int32_t i32 = -77;
+        DWORD systems = 77;
         std::int64_t wideSigned = -77;
         std::uint64_t wideUnsigned = 77;
         EXPECT_EQ(m_key.ReadDword(row.name, u32), row.isDword);
-        EXPECT_EQ(m_key.ReadDword(row.name, i32), row.isDword);
+        EXPECT_EQ(m_key.ReadDword(row.name, systems), row.isDword);
         EXPECT_EQ(m_key.ReadDwordAsInt64(row.name, wideSigned), row.isDword);
         EXPECT_EQ(m_key.ReadDwordAsUInt64(row.name, wideUnsigned), row.isDword);
         EXPECT_EQ(u32, row.isDword ? 1U : 0xdeadbeefU);
-        EXPECT_EQ(i32, row.isDword ? 1 : -77);
+        EXPECT_EQ(systems, row.isDword ? 1U : 77U);
         EXPECT_EQ(wideSigned, row.isDword ? 1 : -77);
         EXPECT_EQ(wideUnsigned, row.isDword ? 1U : 77U);
         EXPECT_EQ(m_key.ReadQword(row.name, wideSigned), row.isQword);
@@ -107,15 +107,15 @@ TEST_F(ValueReads, TakeTheirOwnTypeOnly) {
 TEST_F(ValueReads, NumbersAreWidenedWithTheirSign) {
     Set(L"n", test::Dword(0xfffffffe));
     std::uint32_t u32 = 0;
-    std::int32_t i32 = 0;
+    DWORD systems = 0;
     std::int64_t wideSigned = 0;
     std::uint64_t wideUnsigned = 0;
     EXPECT_TRUE(m_key.ReadDword(L"n", u32));
-    EXPECT_TRUE(m_key.ReadDword(L"n", i32));
+    EXPECT_TRUE(m_key.ReadDword(L"n", systems));
     EXPECT_TRUE(m_key.ReadDwordAsInt64(L"n", wideSigned));
     EXPECT_TRUE(m_key.ReadDwordAsUInt64(L"n", wideUnsigned));
     EXPECT_EQ(u32, 0xfffffffeU);
-    EXPECT_EQ(i32, -2);
+    EXPECT_EQ(systems, 0xfffffffeU);
     EXPECT_EQ(wideSigned, -2);
     EXPECT_EQ(wideUnsigned, 0xfffffffeU);
     Set(L"q", test::Qword(0xfffffffffffffffdU));

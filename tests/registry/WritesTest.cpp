@@ -36,6 +36,10 @@ TEST_F(Writes, EachFormStoresItsType) {
     EXPECT_EQ(User(L"u64"), test::Dword(5));
     EXPECT_TRUE(key.WriteDword(L"i64", std::int64_t{-0x100000003}));
     EXPECT_EQ(User(L"i64"), test::Dword(0xfffffffd));
+    EXPECT_TRUE(key.WriteDword(L"system", DWORD{0xfffffff1}));
+    EXPECT_EQ(User(L"system"), test::Dword(0xfffffff1));
+    EXPECT_TRUE(key.WriteDword(L"system", LONG{-4}));
+    EXPECT_EQ(User(L"system"), test::Dword(0xfffffffc));
     EXPECT_TRUE(key.WriteQword(L"uq", std::uint64_t{0x8000000000000001}));
     EXPECT_EQ(User(L"uq"), test::Qword(0x8000000000000001));
     EXPECT_TRUE(key.WriteQword(L"iq", std::int64_t{-1}));

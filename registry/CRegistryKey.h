@@ -3,8 +3,8 @@
 //
 // Failure contract: operations that return bool give false on every failure, and that is all: no
 // error code is kept, nothing is thrown, nothing is shown. Outputs of a failed read are unchanged
-// unless an operation says otherwise. Only the exhaustion of memory in a table or a string ends the
-// process (see base/CTable1D.h).
+// unless an operation says otherwise; a count is 0. Only the exhaustion of memory in a table or a
+// string ends the process (see base/CTable1D.h).
 //
 // Paths: "ROOT" or "ROOT\rest", split at the first backslash. ROOT is a real root such as
 // HKEY_LOCAL_MACHINE or one of the symbolic roots of registry/SymbolicRoots.h, in any case.
@@ -13,7 +13,9 @@
 // Registry data is not trusted: strings may be unterminated, odd-sized or empty. Nothing beyond the
 // bytes that came back is read.
 //
-// A key object belongs to one thread and closes what it holds when it is destroyed.
+// The layer is for one thread of a process at a time: the layout, the write switch and the stamping
+// of volatile keys go by plain flags of the process. A key object closes what it holds, and
+// releases a mutex that it holds, when it is destroyed.
 #pragma once
 
 #include <windows.h>
@@ -40,7 +42,7 @@ public:
     explicit CRegistryKey(const CKORString& path, bool create = false);
     CRegistryKey(const CRegistryKey&) = delete;
     CRegistryKey& operator=(const CRegistryKey&) = delete;
-    // Flushes the key when something in it was created or changed.
+    // Flushes the key when something in it was created or changed since it was opened.
     virtual ~CRegistryKey();
 
     // The layout in which key objects that are constructed from now on resolve symbolic roots.
@@ -55,7 +57,8 @@ public:
     static void ClearAllowWritesAnywhere();
 
     // --- Opening. The key is opened for reading, a created one too: each write reopens it. ---
-    // A failed opening leaves the object closed and reset. Whatever it had open is closed first.
+    // A failed opening leaves the object closed and reset. Whatever it had open is closed first, as
+    // by Close.
 
     bool Open(const CKORString& path, bool create);
     bool OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bool create);
@@ -64,11 +67,14 @@ public:
 
     // Opens the key to which the object was resolved. With keepOnFailure, a failure does not reset
     // the object, and a handle that is held, which the caller has closed (see Close), is replaced;
-    // without it, false is returned and nothing changes when a handle is held.
+    // without it, false is returned and nothing changes when a handle is held. A created key is
+    // open for reading, write or not.
     bool OpenResolved(bool create, bool write, bool keepOnFailure);
 
     // Closes the key and opens it again. When write access is refused, the key is opened for
-    // reading instead and the result is false; when that is refused too, the object is reset.
+    // reading instead and the result is false; when that is refused too, the object is reset. A
+    // refused opening for reading alone leaves the object closed, on its key; a refused close
+    // changes nothing.
     bool ReopenForWrite(bool write);
 
     // Moves to another key under the same root and opens it for reading. A leading backslash starts
@@ -76,7 +82,9 @@ public:
     // failure the object stays where it was, closed; it can be moved on from there.
     bool OpenRelative(const CKORString& path);
 
-    // With handleOnly, the object keeps the closed handle: reopen or reset it before any other use.
+    // Nothing is flushed, and the change that was to be is forgotten: see FlushCreated. With
+    // handleOnly, nothing is forgotten and the object keeps the closed handle: reopen or reset it
+    // before any other use.
     bool Close(bool handleOnly = false);
     // False when nothing was open.
     bool CloseIfOpen();
@@ -112,8 +120,8 @@ public:
     static bool GetValueType(HKEY handle, const CKORString& name, RegValueType& type);
     // Of a value in this key.
     bool GetValueType(const CKORString& name, RegValueType& type) const;
-    // One read into the caller's buffer; size is in bytes. Writes a trace line to standard output
-    // when type is Binary on entry.
+    // One read into the caller's buffer; size is in bytes, and like hasMoreData told of a failed
+    // read too. Writes a trace line to standard output when type is Binary on entry.
     static bool QueryValueTraced(HKEY handle, const CKORString& name, RegValueType& type,
                                  void* buffer, std::uint64_t& size, bool& hasMoreData);
 
@@ -159,20 +167,25 @@ public:
 
     // The new key is volatile when this one was opened in a volatile location.
     bool CreateSubKey(const CKORString& name);
-    // The path may have several components; the last one is deleted with everything in it.
+    // The subkey with everything in it. Of a path with several components the last one is deleted,
+    // in the key that this one's name and the components before, as they stand, lead to.
     bool DeleteSubKey(const CKORString& path);
     // Empties the subkey, which stays. What was deleted before a failure stays deleted.
-    // Both follow the path as OpenRelative does: a leading backslash or ".." leads to keys outside
-    // this one, which are emptied then. Check paths that come from elsewhere.
+    // Both move to the subkey (of several components, to the last) as OpenRelative does: a leading
+    // backslash or ".." leads to keys outside this one, which are emptied then. Check paths that
+    // come from elsewhere.
     bool DeleteTree(const CKORString& path);
 
     // destination is a path as Open takes it; the key is created when it does not exist. Copies
-    // what can be copied: true when the values could be listed. 64-bit numbers are written as
-    // 32-bit ones, expandable strings as plain ones, multi-strings and unknown types not at all.
+    // what can be copied: true when the values could be listed, even if none was written.
+    // Expandable strings are written as plain ones, multi-strings and unknown types not at all. Of
+    // a 64-bit number nothing is kept: a 32-bit 0 is written, or the last value of a REG_QWORD of
+    // 4 bytes that came before it.
     bool CopyValues(const CKORString& destination);
     // With everything below the key, except keys whose full name begins with exclusion, compared
     // with case: pass the destination's full name when it lies inside the source. An empty
-    // exclusion is the beginning of every name. True when the values of the key itself were copied.
+    // exclusion is the beginning of every name. True when the values of the key itself could be
+    // listed, and when the key itself is excluded.
     bool CopyTree(const CKORString& destination, const CKORString& exclusion);
 
     // Empties the current user's volatile data; true when there is no runtime key to look in. For a
@@ -182,10 +195,12 @@ public:
     // --- Volatile data: whatever lies in the key "volatile" directly below a symbolic root. ---
 
     // Takes the mutex of the root in which the key lies and waits for it without limit; false for
-    // a key outside the four volatile roots that have one. False also when a holder before ended
-    // without unlocking: the mutex is held then all the same and must be unlocked.
+    // a key outside the volatile locations of the runtime and the development roots, and when this
+    // object holds its mutex already. False also when a holder before ended without unlocking: the
+    // mutex is held then all the same and must be unlocked.
     bool LockVolatile();
-    // On the thread that locked.
+    // On the thread that locked, while the object has a key open; whatever key that is. An object
+    // that is destroyed before releases the mutex.
     bool UnlockVolatile();
 
 private:

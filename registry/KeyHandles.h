@@ -1,4 +1,4 @@
-// Questions to a registry handle that somebody else owns. They return false on failure.
+// Operations on a bare registry handle. They return false on failure.
 #pragma once
 
 #include <windows.h>

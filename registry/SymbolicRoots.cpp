@@ -9,7 +9,7 @@ namespace {
 
 using Id = SymbolicRootId;
 
-// The maker's keys; KorRtx and KorRtxUser hold the real-time extension's copies of the two halves.
+// The maker's keys; RTX and RTXUser hold the real-time extension's copies of the two halves.
 #define KOR_KEY L"Software\\Vantrel\\"
 #define KOR_LIBRARY L"Vantrel Imaging Library\\"
 #define KOR_RTX KOR_KEY KOR_LIBRARY L"RTX\\"

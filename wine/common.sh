@@ -2,7 +2,7 @@
 # user's own ~/.wine is never touched.
 
 kor_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-kor_build=${KOR_BUILD:-$kor_root/build}
+kor_build=$kor_root/build
 kor_template=$kor_build/prefix-template
 
 # -all: the hint about the missing 32-bit part is of no use here. winemenubuilder would write into
@@ -11,6 +11,9 @@ export WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES='mscoree=d;w
 export LC_ALL=C.UTF-8
 kor_wine=$kor_root/wine/wine.sh
 kor_wineserver=$(command -v wineserver || echo /usr/lib/wine/wineserver)
+# How long a test's Wine server stays without programs. It ends by itself where a script that was to
+# end it was killed.
+kor_server_seconds=600
 
 kor_say() { printf '%s\n' "$@" >&2; }
 
@@ -64,6 +67,7 @@ kor_private_display() {
     kor_display_pid=$!
     read -r -t 20 number <&"${KOR_XVFB[0]}"
     if [ -z "$number" ]; then
+        kill "$kor_display_pid" 2>/dev/null
         kor_say "No private display could be started (Xvfb)."
         return 1
     fi

@@ -5,5 +5,5 @@ set -u
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 kor_enter_test_prefix "$1"
-"$kor_wineserver" -p
+"$kor_wineserver" -p"$kor_server_seconds"
 kor_run_tests "$@"

@@ -33,7 +33,8 @@ kor_lay_files() {
 # registry editor writes them, UTF-16; all go in with one start of the registry editor.
 kor_import() {
     local file merged=$WINEPREFIX/import.reg
-    {
+    (
+        set -o pipefail
         printf '\xff\xfe'
         {
             printf 'Windows Registry Editor Version 5.00\r\n\r\n'
@@ -42,7 +43,7 @@ kor_import() {
                 printf '\r\n'
             done
         } | iconv -f UTF-8 -t UTF-16LE
-    } >"$merged" || return 1
+    ) >"$merged" || return 1
     "$kor_wine" regedit /S "$merged" >/dev/null 2>&1 || return 1
     rm -f "$merged"
 }

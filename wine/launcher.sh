@@ -4,7 +4,7 @@
 kor_title='Vantrel Imaging Library >> Control Center'
 kor_launcher=$kor_build/release/app/korcontrolcenter.exe
 
-# Starts the launcher and waits until its page is filled; 1 if it ended before. The HTML class notes
+# Starts the launcher and waits until its page is filled; otherwise sets kor_failure to the reason. The HTML class notes
 # what it shows in a file; where Wine's own shows the page, the window alone is waited for.
 kor_start_launcher() {
     local started=${EPOCHREALTIME/./} deadline=$((SECONDS + 60))
@@ -16,10 +16,14 @@ kor_start_launcher() {
     ) &
     kor_launcher_pid=$!
     while ! kor_page_is_filled; do
-        if ! kill -0 "$kor_launcher_pid" 2>/dev/null || [ "$SECONDS" -ge "$deadline" ]; then
-            kill "$kor_launcher_pid" 2>/dev/null
+        if ! kill -0 "$kor_launcher_pid" 2>/dev/null; then
             wait "$kor_launcher_pid"
-            kor_launcher_result=$?
+            kor_failure="the program ended before its window opened (exit code $?)"
+            return 1
+        fi
+        if [ "$SECONDS" -ge "$deadline" ]; then
+            kor_failure='the program did not show its page within a minute and was ended'
+            kill "$kor_launcher_pid"
             return 1
         fi
         sleep 0.1

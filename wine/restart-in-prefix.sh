@@ -6,7 +6,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 kor_enter_test_prefix "$1"
 for stage in before after; do
-    "$kor_wineserver" -p
+    "$kor_wineserver" -p"$kor_server_seconds"
     KOR_TEST_STAGE=$stage kor_run_tests "$@" || exit 1
     "$kor_wineserver" -k
     "$kor_wineserver" -w

@@ -2,7 +2,6 @@
 """endtoend_test.py CLASS: starts the real launcher with a demonstration installation and looks at its
 window, its page and what its links start. CTest runs one class at a time."""
 import shutil
-import sys
 import unittest
 
 from session import DEMO, TITLE, Session, wait_for

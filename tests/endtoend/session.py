@@ -8,7 +8,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 DEMO = ROOT / "wine/demo"
-BUILD = Path(os.environ.get("KOR_BUILD", ROOT / "build"))
+BUILD = ROOT / "build"
 TITLE = "Vantrel Imaging Library >> Control Center"
 # For one step of the program on a machine that is busy with other tests.
 PATIENCE = 60

@@ -25,7 +25,7 @@ class Archive(unittest.TestCase):
         documentation = ROOT / "docs/kordiag.md"
         before = documentation.stat()
         self.addCleanup(os.utime, documentation, ns=(before.st_atime_ns, before.st_mtime_ns))
-        os.utime(documentation, (1e9, 1e9))
+        os.utime(documentation)
         self.assertEqual(package(TZ="Asia/Tokyo", LC_ALL="C").read_bytes(), first)
         self.assertNotEqual(package(SOURCE_DATE_EPOCH="1700000000").read_bytes(), first)
         self.assertEqual(package().read_bytes(), first)

@@ -239,10 +239,6 @@ void RegistryCalls::FailCall(int n, LSTATUS code) {
     m_failedCall.clear();
 }
 
-void RegistryCalls::NameHandle(HKEY handle, const std::string& name) {
-    m_handles[handle] = {name, true, false};
-}
-
 int RegistryCalls::CountOf(const std::string& function) const {
     return static_cast<int>(
         std::count_if(m_calls.begin(), m_calls.end(), [&](const std::string& call) {

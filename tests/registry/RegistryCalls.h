@@ -27,8 +27,6 @@ public:
     // The call that failed, empty while none has.
     const std::string& FailedCall() const { return m_failedCall; }
 
-    // A known handle's name in the record.
-    void NameHandle(HKEY handle, const std::string& name);
     void Clear() { m_calls.clear(); }
     const std::vector<std::string>& Calls() const { return m_calls; }
     // How often a function was called.

@@ -27,7 +27,7 @@ std::atomic<int> plainScopes{0};
 #ifdef KOR_GUARDS
 
 constexpr std::size_t PageSize = 4096;
-// operator new's alignment; blocks of other sizes end as close to the guard as it allows.
+// That of texts, which so end just in front of the guard.
 constexpr std::size_t Alignment = 2;
 // Address space: only what is in use takes memory. No address is used twice, so a use after
 // deletion is found however late it comes.

@@ -35,7 +35,12 @@ int main(int argc, char** argv) {
     std::setvbuf(stdout, nullptr, _IONBF, 0);
     testing::InitGoogleTest(&argc, argv);
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    CloseHandle(CreateFileW(RunningFile, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+    const HANDLE file =
+        CreateFileW(RunningFile, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE || CloseHandle(file) == FALSE) {
+        std::fputs("The file that tells of a lost end could not be made.\n", stderr);
+        return 2;
+    }
     const int result = RUN_ALL_TESTS();
     DeleteFileW(RunningFile);
     return result;

@@ -7,7 +7,7 @@ import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
-BUILD = Path(os.environ.get("KOR_BUILD", ROOT / "build"))
+BUILD = ROOT / "build"
 WINE = ROOT / "wine" / "wine.sh"
 WINESERVER = shutil.which("wineserver") or "/usr/lib/wine/wineserver"
 
@@ -20,14 +20,21 @@ class Prefix:
         folder = BUILD / "test-prefixes"
         folder.mkdir(parents=True, exist_ok=True)
         self.path = Path(tempfile.mkdtemp(prefix="kordiag-", dir=folder))
-        subprocess.run(["bash", Path(__file__).with_name("prefix.sh"), self.path, *installation], check=True)
+        try:
+            subprocess.run(["bash", Path(__file__).with_name("prefix.sh"), self.path, *installation], check=True)
+        except BaseException:
+            self.end_server()
+            raise
         # Without a desktop that stays, each program that asks for the screen makes one: 1.2 s.
         self.desktop = self.start("/desktop", program="explorer.exe", stdout=subprocess.DEVNULL,
                                   stderr=subprocess.DEVNULL)
 
     def close(self):
-        subprocess.run([WINESERVER, "-k"], env=self.environment(), check=False)
+        self.end_server()
         self.desktop.wait(timeout=30)
+
+    def end_server(self):
+        subprocess.run([WINESERVER, "-k"], env=self.environment(), check=False)
         shutil.rmtree(self.path, ignore_errors=True)
 
     def environment(self, **variables):

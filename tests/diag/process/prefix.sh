@@ -5,7 +5,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/../../../wine/common.sh"
 source "$kor_root/wine/installation.sh"
 export WINEPREFIX=$1 HOME=$kor_build/scratch-home
 kor_copy_prefix "$1"
-"$kor_wineserver" -p
+"$kor_wineserver" -p"$kor_server_seconds"
 if [ $# -gt 1 ]; then
     data=$kor_root/wine/demo/$2
     # No test starts the programs: any file will do for them.

@@ -330,8 +330,8 @@ class Locks(RegistryCommands):
         self.assertEqual(self.lock("cmd", "/c", "echo third").communicate(timeout=60)[0], b"third\r\n")
 
     def test_refusals(self):
-        no_lock = ("there is no lock for this location: only the volatile locations of the runtime and the "
-                   "development roots have one")
+        no_lock = ("the lock could not be taken: only the volatile locations of the runtime and the development "
+                   "roots have one, and the system may refuse it")
         self.refuse(no_lock, "lock", USER, "--", "cmd", "/c", "echo x")
         self.refuse(no_lock, "lock", r"M_KOR_HKEY_LOCAL_MACHINE_IMAGING_BOARD\volatile\x", "--create", "--", "cmd")
         self.refuse("the command could not be started: no such program", "lock", VOLATILE, "--create", "--",

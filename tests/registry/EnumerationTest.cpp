@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <array>
 #include <string>
 #include <vector>
 
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
+#include "tests/support/GuardedMemory.h"
 
 namespace {
 
@@ -76,6 +78,35 @@ TEST_F(Enumeration, VisitsTheSameNamesUntilTheVisitorHasEnough) {
     key.Close();
     EXPECT_FALSE(key.VisitSubKeyNames(visitAll));
     EXPECT_EQ(visited.size(), 6U);
+}
+
+// Copying a visitor that holds more than a pointer or two takes memory.
+TEST_F(Enumeration, VisitorsAreNotCopied) {
+    test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\KORTests\\sub");
+    test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"value", test::Dword(1));
+    const CRegistryKey key(MachineKey);
+    int visits = 0;
+    const std::array<int, 16> steps = {1};
+    const CRegistryKey::NameVisitor visit = [&visits, steps](const wchar_t* /*name*/) {
+        visits += steps[0];
+        return true;
+    };
+    const test::AllocationFailure failure(1);
+    EXPECT_TRUE(key.VisitValueNames(visit));
+    EXPECT_TRUE(key.VisitSubKeyNames(visit));
+    EXPECT_FALSE(failure.Happened());
+    EXPECT_EQ(visits, 2);
+}
+
+TEST_F(Enumeration, AnEmptyVisitorIsRefused) {
+    const CRegistryKey::NameVisitor nobody;
+    const CRegistryKey key(MachineKey);
+    EXPECT_FALSE(key.VisitValueNames(nobody));
+    EXPECT_FALSE(key.VisitSubKeyNames(nobody));
+    test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\KORTests\\sub");
+    test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, L"value", test::Dword(1));
+    EXPECT_FALSE(key.VisitValueNames(nobody));
+    EXPECT_FALSE(key.VisitSubKeyNames(nobody));
 }
 
 TEST_F(Enumeration, AnEmptyKeyEmptiesTheList) {

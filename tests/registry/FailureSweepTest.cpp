@@ -3,6 +3,7 @@
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <type_traits>
 
 #include "registry/KeyHandles.h"
 #include "tests/registry/RawRegistry.h"
@@ -61,8 +62,17 @@ const CKORString LongName = L"long";
 template <typename Value>
 bool Reads(CRegistryKey& key, bool (CRegistryKey::*read)(const CKORString&, Value&),
            const CKORString& name) {
-    Value value{};
-    return (key.*read)(name, value);
+    // What none of the values is.
+    Value untouched{};
+    if constexpr (std::is_integral_v<Value>) {
+        untouched = 77;
+    } else {
+        untouched = L"untouched";
+    }
+    Value value(untouched);
+    const bool isRead = (key.*read)(name, value);
+    EXPECT_NE(value == untouched, isRead) << "a failed read leaves the output as it was";
+    return isRead;
 }
 
 bool Lists(const CRegistryKey& key, bool (CRegistryKey::*list)(CTable1D<CKORString>&) const) {

@@ -164,6 +164,23 @@ TEST_F(KeyLifetime, KeptResolutionSurvivesAFailure) {
     EXPECT_EQ(calls.Calls().size(), 2U);
 }
 
+TEST_F(KeyLifetime, ARefusedCreationLeavesTheFlushDue) {
+    test::RegistryCalls calls;
+    {
+        CRegistryKey key(UserKey);
+        EXPECT_TRUE(key.CreateSubKey(L"sub"));
+        EXPECT_TRUE(key.Close(true));
+        calls.FailCall(1);
+        EXPECT_FALSE(key.OpenResolved(true, false, true));
+        EXPECT_EQ(calls.FailedCall().find("RegCreateKeyExW("), 0U) << calls.FailedCall();
+        EXPECT_TRUE(key.OpenResolved(false, false, true));
+        EXPECT_TRUE(IsReadable(key));
+        calls.Clear();
+    }
+    EXPECT_EQ(calls.CountOf("RegFlushKey"), 1);
+    EXPECT_EQ(calls.HandleFaults(), "");
+}
+
 TEST_F(KeyLifetime, ResetForgetsWithoutClosing) {
     CRegistryKey key(MachineKey);
     test::RegistryCalls calls;
@@ -222,6 +239,30 @@ TEST_F(KeyLifetime, RefusedWriteAccessLeavesTheKeyReadable) {
         EXPECT_TRUE(IsReadable(key));
         EXPECT_EQ(key.GetFullName(), UserKey);
     }
+    EXPECT_EQ(calls.HandleFaults(), "");
+}
+
+TEST_F(KeyLifetime, RefusedWriteAccessDoesWithoutThePerUserRoot) {
+    test::RegistryCalls calls;
+    {
+        CRegistryKey key(UserKey);
+        calls.Clear();
+        calls.FailCall(2);
+        {
+            HOOK_IMPORT(openUser, RegOpenCurrentUser, [&](REGSAM access, PHKEY root) -> LSTATUS {
+                calls.FailCall(1);
+                return openUser.Original(access, root);
+            });
+            EXPECT_FALSE(key.ReopenForWrite(true));
+        }
+        EXPECT_EQ(calls.Calls(),
+                  (Lines{"RegCloseKey(k2)", "RegOpenKeyExW(k1, Software\\KORTests, 0, f003f)",
+                         "RegCloseKey(k1)", "RegOpenCurrentUser(f003f)",
+                         "RegOpenKeyExW(HKCU, Software\\KORTests, 0, 20019)"}));
+        EXPECT_TRUE(IsReadable(key));
+        EXPECT_EQ(key.GetFullName(), UserKey);
+    }
+    EXPECT_EQ(calls.Calls().back(), "RegCloseKey(k3)") << "there is no root to be closed";
     EXPECT_EQ(calls.HandleFaults(), "");
 }
 

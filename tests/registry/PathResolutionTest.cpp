@@ -1,10 +1,16 @@
 // From a textual path to the open key: what the system is asked for, and what the object says then.
+#include <algorithm>
+#include <memory>
+
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
 
 namespace {
 
 using test::Runtime;
+using test::UserKey;
+
+using Lines = std::vector<std::string>;
 
 class PathResolution : public test::RegistryTest {};
 
@@ -124,6 +130,46 @@ TEST_F(PathResolution, IdsOpenTheirKeysInBothLayouts) {
     }
 }
 
+struct UnknownIdRow {
+    std::uint32_t id;
+    const wchar_t* subPath;
+    bool create;
+    Lines calls;
+};
+
+TEST_F(PathResolution, IdsThatNameNoRootGetNowhere) {
+    const UnknownIdRow rows[] = {
+        {9, L"s", true, {"RegCreateKeyExW(null, s, 0, -, 0, 20019, -, disposition)"}},
+        // A volatile location of a root that does not exist: the root's own key cannot be opened.
+        {99, L"volatile", true, {"RegCreateKeyExW(null, , 0, -, 0, 20019, -, disposition)"}},
+        {99, L"volatile\\x", false, {"RegOpenKeyExW(null, , 0, 20019)"}},
+        {99, L"x\\volatile", false, {}},
+        // Without an id, a root's name is missing too: volatile locations are not looked for.
+        {0, L"x\\volatile", true, {}},
+        {0, L"x\\volatile", false, {"RegOpenKeyExW(null, x\\volatile, 0, 20019)"}},
+        {0, L"volatile", false, {}},
+    };
+    for (const UnknownIdRow& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.id << " create " << row.create);
+        CRegistryKey key;
+        test::RegistryCalls calls;
+        EXPECT_FALSE(
+            key.OpenSymbolic(static_cast<SymbolicRootId>(row.id), row.subPath, row.create));
+        EXPECT_EQ(calls.Calls(), row.calls);
+        EXPECT_FALSE(key.IsOpen());
+        EXPECT_EQ(key.GetFullName(), L"");
+    }
+}
+
+TEST_F(PathResolution, ARefusedStampingDoesNotKeepTheNextOneFromStamping) {
+    CRegistryKey refused;
+    EXPECT_FALSE(refused.OpenSymbolic(static_cast<SymbolicRootId>(99), L"volatile", true));
+    CRegistryKey key;
+    EXPECT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\a", true));
+    EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"PathCreator"),
+              test::Text(REG_SZ, L"volatile\\a"));
+}
+
 TEST_F(PathResolution, ShortFormsOpenTheRuntimeRoots) {
     test::MakeKey(HKEY_LOCAL_MACHINE, Runtime + L"\\m");
     test::MakeKey(HKEY_CURRENT_USER, Runtime + L"\\u");
@@ -160,7 +206,7 @@ TEST_F(PathResolution, WrongRootsLeaveTheKeyReset) {
         {
             test::RegistryCalls calls;
             EXPECT_FALSE(key.Open(path, true));
-            EXPECT_EQ(calls.Calls(), std::vector<std::string>{"RegCloseKey(?)"});
+            EXPECT_EQ(calls.Calls(), Lines{"RegCloseKey(?)"});
         }
         EXPECT_FALSE(key.IsOpen());
         EXPECT_EQ(key.GetFullName(), L"");
@@ -178,6 +224,25 @@ TEST_F(PathResolution, RefusedVolatilePathsOpenNothing) {
     EXPECT_FALSE(key.Open(L"HKLM\\volatile\\x", false));
     EXPECT_TRUE(calls.Calls().empty()) << testing::PrintToString(calls.Calls());
     EXPECT_EQ(key.GetFullName(), L"");
+}
+
+// First nothing of it is there, then the root's key, then its "volatile" without the key that is
+// asked for.
+TEST_F(PathResolution, AMissingVolatileKeyBelowARealRootLeavesTheKeyReset) {
+    for (const std::wstring& present : {test::Library, Runtime, Runtime + L"\\volatile"}) {
+        SCOPED_TRACE(testing::PrintToString(present));
+        test::MakeKey(HKEY_CURRENT_USER, present);
+        test::RegistryCalls calls;
+        {
+            CRegistryKey key;
+            EXPECT_FALSE(key.Open(L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging "
+                                  L"Library\\Runtime\\volatile\\x",
+                                  false));
+            EXPECT_FALSE(key.IsOpen());
+            EXPECT_EQ(key.GetFullName(), L"");
+        }
+        EXPECT_EQ(calls.HandleFaults(), "");
+    }
 }
 
 TEST_F(PathResolution, OtherVolatileKeysAreReadAsOrdinaryOnes) {
@@ -198,7 +263,7 @@ TEST_F(PathResolution, OpeningAgainClosesFirst) {
         EXPECT_TRUE(key.OpenSymbolic(SymbolicRootId::CurrentUserRuntime, L"", false));
     }
     const std::string runtime = "Software\\Vantrel\\Vantrel Imaging Library\\Runtime";
-    EXPECT_EQ(calls.Calls(), (std::vector<std::string>{
+    EXPECT_EQ(calls.Calls(), (Lines{
                                  "RegOpenCurrentUser(f003f)",
                                  "RegOpenKeyExW(k1, " + runtime + ", 0, 20019)",
                                  "RegCloseKey(k2)",
@@ -211,6 +276,60 @@ TEST_F(PathResolution, OpeningAgainClosesFirst) {
                                  "RegCloseKey(k4)",
                              }));
     EXPECT_EQ(calls.HandleFaults(), "");
+}
+
+// An object that a failed move left closed, still knowing a volatile key and that it created it.
+class OpeningAfterAFailedMove : public PathResolution {
+protected:
+    void SetUp() override {
+        PathResolution::SetUp();
+        // The location exists, so that there is no companion, which would flush as well.
+        test::MakeKey(HKEY_CURRENT_USER, Runtime);
+        test::MakeKey(HKEY_CURRENT_USER, Runtime + L"\\volatile", true);
+        ASSERT_TRUE(m_key->OpenCurrentUserRuntime(L"volatile\\x", true));
+        ASSERT_FALSE(m_key->OpenRelative(L"missing"));
+        ASSERT_FALSE(m_key->IsOpen());
+        ASSERT_EQ(m_key->GetFullName(), L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging "
+                                        L"Library\\Runtime\\volatile\\x");
+    }
+
+    std::unique_ptr<CRegistryKey> m_key = std::make_unique<CRegistryKey>();
+};
+
+TEST_F(OpeningAfterAFailedMove, CreatesOrdinaryKeys) {
+    {
+        test::RegistryCalls calls;
+        EXPECT_TRUE(m_key->Open(CKORString(UserKey) + L"\\new", true));
+        EXPECT_EQ(calls.Calls(), (Lines{"RegOpenCurrentUser(f003f)",
+                                        "RegCreateKeyExW(k1, Software\\KORTests\\new, 0, -, 0, "
+                                        "20019, -, disposition)"}));
+    }
+    EXPECT_FALSE(m_key->LockVolatile());
+    EXPECT_FALSE(test::IsVolatileKey(HKEY_CURRENT_USER, L"Software\\KORTests\\new"));
+}
+
+TEST_F(OpeningAfterAFailedMove, StartsFromNoRoot) {
+    test::RegistryCalls calls;
+    EXPECT_FALSE(m_key->OpenSymbolic(static_cast<SymbolicRootId>(9), L"s", false));
+    EXPECT_EQ(calls.Calls(), Lines{"RegOpenKeyExW(null, s, 0, 20019)"});
+    EXPECT_EQ(m_key->GetFullName(), L"");
+}
+
+TEST_F(OpeningAfterAFailedMove, ForgetsThatTheOldKeyWasCreated) {
+    test::MakeKey(HKEY_CURRENT_USER, test::TestSubKey);
+    test::RegistryCalls calls;
+    EXPECT_TRUE(m_key->Open(UserKey, false));
+    m_key.reset();
+    EXPECT_EQ(calls.CountOf("RegFlushKey"), 0);
+    EXPECT_EQ(calls.CountOf("RegCloseKey"), 2);
+}
+
+TEST_F(OpeningAfterAFailedMove, ForgetsThatAlsoForASymbolicRoot) {
+    test::RegistryCalls calls;
+    EXPECT_TRUE(m_key->OpenCurrentUserRuntime(L"", false));
+    m_key.reset();
+    EXPECT_EQ(calls.CountOf("RegFlushKey"), 0);
+    EXPECT_EQ(calls.CountOf("RegCloseKey"), 2);
 }
 
 TEST_F(PathResolution, FullNameOfAResetKeyIsEmpty) {

@@ -75,6 +75,35 @@ TEST_F(StringReads, MultiStringsAreReadItemByItem) {
     }
 }
 
+// A value that is replaced by one of another type between the question for its type and the read.
+TEST_F(StringReads, AnotherTypeThanTheOneThatWasToldIsAFailure) {
+    for (const DWORD told : {DWORD{REG_SZ}, DWORD{REG_EXPAND_SZ}, DWORD{REG_MULTI_SZ}}) {
+        SCOPED_TRACE(told);
+        int reads = 0;
+        HOOK_IMPORT(
+            query, RegQueryValueExW,
+            [&](HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE buffer, LPDWORD size) -> LSTATUS {
+                if (type != nullptr) {
+                    *type = buffer == nullptr ? told : DWORD{REG_BINARY};
+                }
+                if (buffer != nullptr) {
+                    ++reads;
+                    std::fill_n(buffer, *size, BYTE{0});
+                    *buffer = 'x';
+                }
+                if (size != nullptr) {
+                    *size = 4;
+                }
+                return ERROR_SUCCESS;
+            });
+        CRegistryKey key(MachineKey);
+        CKORString text(L"untouched");
+        EXPECT_FALSE(key.ReadString(L"s", text));
+        EXPECT_EQ(text, L"untouched");
+        EXPECT_EQ(reads, 1);
+    }
+}
+
 TEST_F(StringReads, StringsEndWithTheirData) {
     struct TextRow {
         std::vector<BYTE> data;

@@ -244,6 +244,8 @@ TEST_F(ValueReads, MoreDataAfterTheBufferGrewIsAFailure) {
 
 TEST_F(ValueReads, EveryQueryMayFail) {
     Set(L"long", {REG_BINARY, std::vector<BYTE>(2000, 7)});
+    // Nothing was read yet; the size that the query was given; the size that the first one told.
+    const std::uint64_t sizes[] = {0, 1024, 2000};
     for (int failing = 1; failing <= 3; ++failing) {
         CRegistryKey key(MachineKey);
         std::vector<BYTE> buffer(2000);
@@ -252,6 +254,7 @@ TEST_F(ValueReads, EveryQueryMayFail) {
         calls.FailCall(failing);
         EXPECT_FALSE(key.ReadBinary(L"long", buffer.data(), size)) << failing;
         EXPECT_NE(calls.FailedCall(), "");
+        EXPECT_EQ(size, sizes[failing - 1]) << failing;
         EXPECT_TRUE(key.ReadBinary(L"long", buffer.data(), size = buffer.size()));
     }
 }
@@ -263,15 +266,36 @@ TEST_F(ValueReads, WithoutMemoryForTheBufferAReadFails) {
     for (int failing = 1; failing <= 2; ++failing) {
         CRegistryKey key(MachineKey);
         std::uint64_t size = buffer.size();
+        const std::int64_t blocks = test::LiveBlocks();
         {
             const test::AllocationFailure failure(failing);
             EXPECT_FALSE(key.ReadBinary(name, buffer.data(), size));
             EXPECT_TRUE(failure.Happened());
         }
+        EXPECT_EQ(test::LiveBlocks(), blocks) << "the buffer that was too small is given up first";
         EXPECT_EQ(size, failing == 1 ? 0U : 2000U);
         EXPECT_TRUE(key.ReadBinary(name, buffer.data(), size = buffer.size()));
         EXPECT_EQ(buffer[1999], 7);
     }
+}
+
+TEST_F(ValueReads, ABufferThatIsTooSmallIsFreedBeforeTheNextOneIsMade) {
+    Set(L"long", {REG_BINARY, std::vector<BYTE>(2000, 7)});
+    const CKORString name(L"long");
+    std::vector<BYTE> buffer(2000);
+    std::uint64_t size = buffer.size();
+    CRegistryKey key(MachineKey);
+    const test::PlainMemory fromTheHeap;
+    std::int64_t blocksAtGrowth = -1;
+    HOOK_IMPORT(allocate, malloc, [&](std::size_t bytes) {
+        if (bytes == 2000) {
+            blocksAtGrowth = test::LiveBlocks();
+        }
+        return allocate.Original(bytes);
+    });
+    const std::int64_t blocks = test::LiveBlocks();
+    EXPECT_TRUE(key.ReadBinary(name, buffer.data(), size));
+    EXPECT_EQ(blocksAtGrowth, blocks);
 }
 
 TEST_F(ValueReads, TypesAreToldWithoutReading) {

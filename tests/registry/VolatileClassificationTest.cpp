@@ -39,6 +39,7 @@ constexpr Row Rows[] = {
     {L"volatile2", L"", 2, true, false, -1, 2},
     {L"volatile2\\a", L"", 2, true, false, -1, 2},
     {L"volatile a", L"", 99, true, false, -1, 99},
+    {L"volatile", L"", 99, true, false, 1, 99},
     // The separator is looked for where the path as it was passed has it.
     {L"\\volatile", L"", 1, true, false, 1, 1},
     {L"\\volatile\\a", L"", 1, true, false, -1, 1},
@@ -68,6 +69,8 @@ constexpr Row Rows[] = {
     {L"x\\volatile", L"HKEY_USERS", 0, false, false, 2, 0},
     {L"x\\volatile", L"HKLM", 0, true, false, -1, 0},
     {L"x\\volatile", L"HKLM", 0, false, false, 2, 0},
+    {L"x\\volatile", L"", 0, true, false, -1, 0},
+    {L"x\\volatile", L"", 0, false, false, 2, 0},
     // At the very front it is refused in any case.
     {L"volatile", LocalMachine, 0, false, false, -1, 0},
     {L"\\volatile\\x", LocalMachine, 0, false, false, -1, 0},

@@ -291,6 +291,38 @@ TEST(CKORString, MidAndLeftTakeTheExactSize) {
     EXPECT_EQ(grown.Capacity(), 4) << "the step is the table's 1";
 }
 
+void ExpectOnlyNullsBehind(const CKORString& text, std::int64_t start, std::int64_t count) {
+    ASSERT_EQ(text.Count(), count);
+    for (std::int64_t i = start; i < count; ++i) {
+        EXPECT_EQ(text.Data()[i], L'\0') << i;
+    }
+}
+
+TEST(CKORString, BehindANullWithinTheTextMidAndLeftHoldNullsOnly) {
+    CKORString text(FortyCharacters);
+    text[3] = L'\0';
+    // Blocks of a common heap, which still hold what they were given back with.
+    const test::PlainMemory fromTheHeap;
+    const auto leaveBehind = [](std::int64_t characters) {
+        const CKORString old(CKORString(FortyCharacters).Left(characters));
+        EXPECT_EQ(old.Length(), characters);
+    };
+    for (const std::int64_t length : {39, 35, 20}) {
+        leaveBehind(length);
+        const CKORString mid = text.Mid(1, length);
+        EXPECT_EQ(mid, L"12");
+        ExpectOnlyNullsBehind(mid, 2, length + 1);
+        leaveBehind(length);
+        const CKORString left = text.Left(length);
+        EXPECT_EQ(left, L"012");
+        ExpectOnlyNullsBehind(left, 3, length + 1);
+    }
+    leaveBehind(39);
+    const CKORString toTheEnd = text.Mid(1);
+    EXPECT_EQ(toTheEnd, L"12");
+    ExpectOnlyNullsBehind(toTheEnd, 2, 40);
+}
+
 struct SplitCase {
     const wchar_t* text;
     const wchar_t* delimiters;

@@ -12,6 +12,12 @@ std::wstring Stage() {
     return stage;
 }
 
+// Without a known stage both halves would be skipped, and the restart passed without a test.
+TEST(Restart, HasAStage) {
+    const std::wstring stage = Stage();
+    EXPECT_TRUE(stage == L"before" || stage == L"after") << testing::PrintToString(stage);
+}
+
 TEST(Restart, BeforeIt) {
     if (Stage() != L"before") {
         GTEST_SKIP();

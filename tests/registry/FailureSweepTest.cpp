@@ -40,6 +40,9 @@ struct Operation {
 constexpr wchar_t VolatileX[] = L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging "
                                 L"Library\\Development\\volatile\\x";
 
+constexpr wchar_t VolatileDeep[] =
+    L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\volatile\\deep";
+
 bool OpenVolatile(CRegistryKey& key) {
     return key.OpenSymbolic(SymbolicRootId::CurrentUserDevelopment, L"volatile\\x", true);
 }
@@ -224,6 +227,14 @@ const Operation Operations[] = {
     {"Open a volatile location", nullptr, VolatileX,
      [](CRegistryKey& key) { return OpenVolatile(key); },
      "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G"},
+    // The key "volatile" is there already. When it cannot be seen, it counts as missing: with
+    // creation it is stamped anew.
+    {"Open a stamped location", nullptr, VolatileDeep,
+     [](CRegistryKey& key) { return key.OpenCurrentUserRuntime(L"volatile\\deep", false); },
+     "+M-G-G+M+M+M+M-G"},
+    {"Open a stamped location to create", nullptr, VolatileDeep,
+     [](CRegistryKey& key) { return key.OpenCurrentUserRuntime(L"volatile\\deep", true); },
+     "+M-G+M+M+M+M+M-G"},
     {"Write a stamped value", nullptr, VolatileX,
      [](CRegistryKey& key) { return OpenVolatile(key) && key.WriteDword(Name, 1U); },
      "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G" + Times(4, "-M") + "-A" +

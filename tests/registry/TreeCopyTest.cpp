@@ -86,6 +86,18 @@ TEST_F(TreeCopy, ABadDestinationIsAFailure) {
     EXPECT_TRUE(m_key.IsOpen());
 }
 
+// An ordinary key with this name may be opened but not made.
+TEST_F(TreeCopy, ADestinationThatExistsIsNotCreated) {
+    Set(L"s", L"n");
+    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    const CKORString destination = CKORString(test::UserKey) + L"\\my volatile key";
+    EXPECT_FALSE(source.CopyValues(destination));
+    EXPECT_EQ(Below(), (Tree{L"s", L"s:n"}));
+    Make(L"my volatile key");
+    EXPECT_TRUE(source.CopyValues(destination));
+    EXPECT_EQ(Below(), (Tree{L"my volatile key", L"my volatile key:n", L"s", L"s:n"}));
+}
+
 TEST_F(TreeCopy, AnEnumerationThatFailsIsAFailureOfTheCopy) {
     Set(L"s", L"n");
     CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
@@ -100,6 +112,75 @@ TEST_F(TreeCopy, AnEnumerationThatFailsIsAFailureOfTheCopy) {
     }
     EXPECT_EQ(Below(), (Tree{L"copy", L"s", L"s:n"}));
     EXPECT_TRUE(source.IsOpen());
+}
+
+TEST_F(TreeCopy, AListOfValuesThatBreaksOffCopiesNone) {
+    Set(L"s", L"m");
+    Set(L"s", L"n");
+    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    {
+        HOOK_IMPORT(enumValue, RegEnumValueW,
+                    [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
+                        LPDWORD type, LPBYTE data, LPDWORD size) {
+                        return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
+                                          : enumValue.Original(key, index, name, length, reserved,
+                                                               type, data, size);
+                    });
+        EXPECT_FALSE(source.CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
+    }
+    EXPECT_EQ(Below(), (Tree{L"copy", L"s", L"s:m", L"s:n"}));
+    EXPECT_TRUE(source.IsOpen());
+}
+
+TEST_F(TreeCopy, AListOfSubKeysThatBreaksOffIsCopiedAsFarAsItGoes) {
+    Set(L"s\\a", L"v");
+    Set(L"s\\b", L"v");
+    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    ASSERT_TRUE(source.EnumSubKeyNames(m_names));
+    {
+        HOOK_IMPORT(enumKey, RegEnumKeyExW,
+                    [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
+                        LPWSTR keyClass, LPDWORD classLength, PFILETIME time) {
+                        return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
+                                          : enumKey.Original(key, index, name, length, reserved,
+                                                             keyClass, classLength, time);
+                    });
+        EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
+    }
+    const std::wstring first = m_names[0].Text();
+    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"),
+              (Tree{first, first + L":v"}));
+    EXPECT_TRUE(source.IsOpen());
+    EXPECT_EQ(source.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+}
+
+// An empty name would lead to the same key again.
+TEST_F(TreeCopy, ASubKeyWithoutANameIsLeftOut) {
+    Set(L"s", L"v");
+    Make(L"s\\a");
+    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    {
+        const test::NamelessSubKey nameless;
+        EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
+        EXPECT_EQ(nameless.Walks(), 1);
+    }
+    EXPECT_EQ(Below(), (Tree{L"copy", L"copy:v", L"s", L"s:v", L"s\\a"}));
+    EXPECT_TRUE(source.EnumSubKeyNames(m_names)) << "open";
+    EXPECT_EQ(source.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+}
+
+TEST_F(TreeCopy, ADestinationMayEndInABackslash) {
+    Set(L"s", L"v");
+    Set(L"s\\a\\b", L"v");
+    Set(L"s\\c", L"v");
+    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    test::RegistryCalls calls;
+    EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy\\", L"HKEY_USERS"));
+    for (const std::string& call : calls.Calls()) {
+        EXPECT_EQ(call.find("\\\\"), std::string::npos) << call;
+    }
+    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"),
+              (Tree{L":v", L"a", L"a\\b", L"a\\b:v", L"c", L"c:v"}));
 }
 
 TEST_F(TreeCopy, CopiesTreesWithoutTheExclusion) {

@@ -79,6 +79,22 @@ TEST_F(TreeDeletion, DeleteTreeTakesRelativePaths) {
     ExpectAtStart();
 }
 
+// The way back is to where the object was, not just one level up.
+TEST_F(TreeDeletion, DeleteTreeComesBackFromElsewhere) {
+    Make(L"a");
+    Set(L"b", L"v");
+    Make(L"b\\below\\deeper");
+    Set(L"c", L"v");
+    Make(L"c\\below");
+    CRegistryKey key(L"HKEY_CURRENT_USER\\Software\\KORTests\\a");
+    for (const wchar_t* path : {L"..\\b", L"\\Software\\KORTests\\c"}) {
+        EXPECT_TRUE(key.DeleteTree(path));
+        EXPECT_TRUE(key.EnumSubKeyNames(m_names)) << "open";
+        EXPECT_EQ(key.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\a");
+    }
+    EXPECT_EQ(Below(), (Tree{L"a", L"b", L"c"}));
+}
+
 TEST_F(TreeDeletion, DeleteTreeOfNothingFailsAndStays) {
     for (const wchar_t* path : {L"missing", L"", L"missing\\a", L"\\..", L"\\missing"}) {
         EXPECT_FALSE(m_key.DeleteTree(path));
@@ -132,6 +148,19 @@ TEST_F(TreeDeletion, ALeadingBackslashDoesNotSplitThePath) {
     EXPECT_FALSE(m_key.DeleteSubKey(L"\\t")) << "a key of the root, where there is none";
     EXPECT_EQ(Below(), Tree{L"t"});
     ExpectAtStart();
+}
+
+// It is the key's full path that the components before the last one are joined to.
+TEST_F(TreeDeletion, DeleteSubKeyStaysBelowItsKey) {
+    Make(L"s\\t\\a");
+    Make(L"s\\t\\b");
+    Make(L"x\\below");
+    CRegistryKey key(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    EXPECT_TRUE(key.DeleteSubKey(L"\\t\\a")) << "with further components it is not absolute";
+    EXPECT_FALSE(key.DeleteSubKey(L"..\\x")) << "there is no key of this name";
+    EXPECT_EQ(Below(), (Tree{L"s", L"s\\t", L"s\\t\\b", L"x", L"x\\below"}));
+    EXPECT_TRUE(key.EnumSubKeyNames(m_names)) << "open";
+    EXPECT_EQ(key.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
 }
 
 // A path with several components is opened by a temporary key, with a root of its own.
@@ -195,6 +224,19 @@ TEST_F(TreeDeletion, ASubKeyThatCannotBeEnteredEndsTheDeletion) {
                 });
     EXPECT_FALSE(m_key.DeleteTree(L"t"));
     EXPECT_EQ(Below(), (Tree{L"t", L"t\\a", L"t\\b"}));
+    ExpectAtStart();
+}
+
+// An empty name would lead to the same key again.
+TEST_F(TreeDeletion, ASubKeyWithoutANameEndsTheDeletion) {
+    Set(L"t", L"v");
+    Make(L"t\\a");
+    {
+        const test::NamelessSubKey nameless;
+        EXPECT_FALSE(m_key.DeleteTree(L"t"));
+        EXPECT_EQ(nameless.Walks(), 1);
+    }
+    EXPECT_EQ(Below(), (Tree{L"t", L"t\\a"}));
     ExpectAtStart();
 }
 

@@ -1,10 +1,13 @@
-// A tree of the current user's, and a key object at its top.
+// A tree of the current user's, a key object at its top, and a subkey that has no name.
 #pragma once
+
+#include <windows.h>
 
 #include <string>
 #include <vector>
 
 #include "tests/registry/RawRegistry.h"
+#include "tests/support/ImportHook.h"
 
 namespace test {
 
@@ -32,6 +35,25 @@ protected:
 
     CRegistryKey m_key;
     CTable1D<CKORString> m_names;
+};
+
+// While it lives, each key has one subkey, whose name does not fit and is not given.
+class NamelessSubKey {
+public:
+    // How many lists were begun.
+    int Walks() const { return m_walks; }
+
+private:
+    // A walk that follows the empty name comes by again and again; it ends here and is seen.
+    static constexpr int MostWalks = 100;
+
+    int m_walks = 0;
+    ImportHook<struct NamelessTag, decltype(&RegEnumKeyExW)> m_enumKey{
+        "RegEnumKeyExW",
+        [this](HKEY, DWORD index, LPWSTR, LPDWORD, LPDWORD, LPWSTR, LPDWORD, PFILETIME) -> LSTATUS {
+            m_walks += index == 0 ? 1 : 0;
+            return index == 0 && m_walks <= MostWalks ? ERROR_MORE_DATA : ERROR_NO_MORE_ITEMS;
+        }};
 };
 
 } // namespace test

@@ -1,5 +1,6 @@
 // The mutexes of volatile data, with a second process where it takes two.
 #include <cstdlib>
+#include <thread>
 
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
@@ -142,6 +143,33 @@ TEST_F(VolatileMutexes, AKeyThatEndsGivesItsMutexBack) {
     }
     EXPECT_EQ(calls.HandleFaults(), "");
     EXPECT_EQ(calls.CountOf("ReleaseMutex"), 1);
+    CloseHandle(mutex);
+}
+
+// What another thread gets that asks for the mutex without waiting; it does not keep it.
+DWORD AskInAnotherThread(HANDLE mutex) {
+    DWORD result = WAIT_FAILED;
+    std::thread([&] {
+        result = WaitForSingleObject(mutex, 0);
+        if (result == WAIT_OBJECT_0) {
+            ReleaseMutex(mutex);
+        }
+    }).join();
+    return result;
+}
+
+// The mutex goes with the object, not with the key that it was locked for.
+TEST_F(VolatileMutexes, AnObjectThatMovedAwayCanUnlock) {
+    const HANDLE mutex = CreateMutexW(nullptr, FALSE, CurrentUserRuntimeMutex);
+    CRegistryKey key(Location, true);
+    EXPECT_TRUE(key.LockVolatile());
+    EXPECT_TRUE(key.Close());
+    EXPECT_TRUE(key.Open(test::UserKey, true));
+    EXPECT_EQ(AskInAnotherThread(mutex), DWORD{WAIT_TIMEOUT});
+    EXPECT_FALSE(key.LockVolatile());
+    EXPECT_TRUE(key.UnlockVolatile());
+    EXPECT_EQ(AskInAnotherThread(mutex), DWORD{WAIT_OBJECT_0});
+    EXPECT_FALSE(key.UnlockVolatile());
     CloseHandle(mutex);
 }
 

@@ -1,6 +1,7 @@
 // Volatile locations: which keys are stamped, with what, and when.
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
@@ -120,6 +121,18 @@ TEST_F(Volatile, TheImagingBoardOfTheUserIsIrregular) {
     EXPECT_TRUE(calls.Calls().empty());
 }
 
+// The user's own key "volatile" is the one that is looked for.
+TEST_F(Volatile, TheImagingBoardOfTheUserStampsOnce) {
+    const std::wstring volatileKey = test::Vantrel + L"\\Imaging Board\\volatile";
+    for (const wchar_t* path : {L"volatile\\x", L"volatile\\y"}) {
+        CRegistryKey key;
+        ASSERT_TRUE(key.OpenSymbolic(SymbolicRootId::CurrentUserImagingBoard, path, true));
+        ExpectStamps(HKEY_LOCAL_MACHINE, volatileKey, L"volatile\\x");
+    }
+    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, volatileKey),
+              (std::vector<std::wstring>{L"x", L"y"}));
+}
+
 TEST_F(Volatile, RealPathsReachTheSameLocations) {
     for (const RootRow& row : Roots) {
         SCOPED_TRACE(row.id);
@@ -150,6 +163,47 @@ TEST_F(Volatile, TheRealTimeLayoutStampsItsOwnRoots) {
     EXPECT_TRUE(key.WriteDword(L"v", 1U));
     EXPECT_EQ(test::GetRaw(HKEY_LOCAL_MACHINE, volatileKey, L"ValueCreator"),
               test::Text(REG_SZ, L"v"));
+}
+
+// A real path of the user's reaches the location that is compared with it, while the key "volatile"
+// is made where the root lies: below the local machine.
+TEST_F(Volatile, TheRealTimeLayoutStampsARealPathElsewhere) {
+    CRegistryKey::ClearAllowWritesAnywhere();
+    CRegistryKey::SetRtxMode(true);
+    const std::wstring volatileKey =
+        Library + L"\\RTXUser\\Vantrel Imaging Library\\Runtime\\volatile";
+    const std::wstring rest = volatileKey + L"\\x";
+    CRegistryKey key;
+    ASSERT_TRUE(key.Open(CKORString(L"HKEY_CURRENT_USER\\") + rest.c_str(), true));
+    EXPECT_EQ(key.GetFullName(), CKORString(L"HKEY_CURRENT_USER\\") + rest.c_str());
+    EXPECT_TRUE(key.WriteDword(L"v", 1U));
+    EXPECT_TRUE(test::IsVolatileKey(HKEY_LOCAL_MACHINE, volatileKey));
+    ExpectStamps(HKEY_LOCAL_MACHINE, volatileKey, rest);
+    EXPECT_EQ(test::GetRaw(HKEY_LOCAL_MACHINE, volatileKey, L"ValueCreator"),
+              test::Text(REG_SZ, L"v"));
+    EXPECT_FALSE(test::KeyExists(HKEY_LOCAL_MACHINE, rest));
+    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, volatileKey),
+              (std::vector<std::wstring>{L"x", L"x:v"}));
+    EXPECT_TRUE(test::IsVolatileKey(HKEY_CURRENT_USER, rest));
+}
+
+TEST_F(Volatile, TheTimeIsCutToItsLowHalf) {
+    constexpr std::pair<std::int64_t, std::uint32_t> Times[] = {{0x100000005, 5}, {-1, 0xffffffff}};
+    for (const auto& [time, stamp] : Times) {
+        SCOPED_TRACE(time);
+        const __time64_t now = time;
+        HOOK_IMPORT(clock, _time64, [&](__time64_t* result) {
+            EXPECT_EQ(result, nullptr);
+            return now;
+        });
+        CRegistryKey key;
+        EXPECT_TRUE(key.OpenCurrentUserRuntime(L"volatile", true));
+        EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"Creation Time"),
+                  test::Dword(stamp));
+        key.Close();
+        TearDown();
+        SetUp();
+    }
 }
 
 // The writable-root rule holds for stamps too, and a refused stamp is no failure.
@@ -232,34 +286,6 @@ TEST_F(Volatile, WithoutMemoryForTheCompanionTheOpeningFails) {
     ExpectStamps(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"volatile\\x");
 }
 
-TEST_F(Volatile, AnotherClassDropsThePendingStamp) {
-    CRegistryKey key;
-    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
-    ASSERT_TRUE(key.Open(L"HKEY_CURRENT_USER\\Software\\KORTests", true));
-    EXPECT_TRUE(key.WriteDword(L"elsewhere", 1U));
-    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", false));
-    EXPECT_TRUE(key.WriteDword(L"late", 1U));
-    EXPECT_FALSE(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"ValueCreator"));
-}
-
-// Also a location of another class; the companion stays, and can still receive stamps.
-TEST_F(Volatile, AnotherVolatileClassDropsThePendingStampToo) {
-    const std::wstring development = Library + L"\\Development\\volatile";
-    CRegistryKey key;
-    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
-    test::MakeKey(HKEY_CURRENT_USER, Library + L"\\Development");
-    test::MakeKey(HKEY_CURRENT_USER, development, true);
-    ASSERT_TRUE(key.OpenSymbolic(SymbolicRootId::CurrentUserDevelopment, L"volatile\\y", true));
-    EXPECT_TRUE(key.WriteDword(L"elsewhere", 1U));
-    EXPECT_FALSE(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"ValueCreator"));
-    EXPECT_FALSE(test::GetRaw(HKEY_CURRENT_USER, development, L"ValueCreator"));
-
-    test::MakeKey(HKEY_LOCAL_MACHINE, Runtime);
-    EXPECT_FALSE(key.OpenLocalMachineRuntime(L"volatile\\z", false));
-    EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"PathCreator"),
-              test::Text(REG_SZ, L"volatile\\z"));
-}
-
 TEST_F(Volatile, ASecondStampingReplacesTheCompanion) {
     const std::wstring development = Library + L"\\Development\\volatile";
     CRegistryKey key;
@@ -274,21 +300,6 @@ TEST_F(Volatile, ASecondStampingReplacesTheCompanion) {
               test::Text(REG_SZ, L"volatile\\x"));
     EXPECT_FALSE(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"ValueCreator"));
     EXPECT_EQ(calls.CountOf("RegFlushKey"), 1) << "the first companion had written its stamps";
-}
-
-TEST_F(Volatile, AFailedWriteLeavesTheStampDue) {
-    CRegistryKey key;
-    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile", true));
-    {
-        HOOK_IMPORT(set, RegSetValueExW,
-                    [](HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) -> LSTATUS {
-                        return ERROR_ACCESS_DENIED;
-                    });
-        EXPECT_FALSE(key.WriteDword(L"failed", 1U));
-    }
-    EXPECT_TRUE(key.WriteString(L"written", L"x"));
-    EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"ValueCreator"),
-              test::Text(REG_SZ, L"written"));
 }
 
 TEST_F(Volatile, CopiesStampTheirDestination) {
@@ -373,22 +384,6 @@ TEST_F(Volatile, StampingMakesItsCallsInOrder) {
                     {"RegFlushKey(k8)", "RegCloseKey(k8)", "RegFlushKey(k9)", "RegCloseKey(k9)"});
     EXPECT_EQ(made, expected);
     EXPECT_EQ(calls.HandleFaults(), "");
-}
-
-TEST_F(Volatile, ThePendingStampIsWrittenAfterTheValue) {
-    CRegistryKey key;
-    ASSERT_TRUE(key.OpenLocalMachineRuntime(L"volatile", true));
-    test::RegistryCalls calls;
-    EXPECT_TRUE(key.WriteDword(L"v", 1U));
-    std::vector<std::string> functions;
-    for (const std::string& call : calls.Calls()) {
-        functions.push_back(call.substr(0, call.find('(')));
-    }
-    EXPECT_EQ(functions, (std::vector<std::string>{"RegCloseKey", "RegOpenKeyExW", "RegSetValueExW",
-                                                   "RegCloseKey", "RegOpenKeyExW", "RegCloseKey",
-                                                   "RegOpenKeyExW", "RegSetValueExW", "RegCloseKey",
-                                                   "RegOpenKeyExW", "RegCloseKey"}));
-    EXPECT_EQ(calls.Calls()[7].substr(calls.Calls()[7].find(',')), ", ValueCreator, 0, 1, 4)");
 }
 
 } // namespace

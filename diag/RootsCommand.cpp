@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr std::uint32_t RootCount = 8;
-
 // Key objects take the layout of the moment in which they are made.
 class LayoutInForce {
 public:
@@ -31,12 +29,13 @@ bool Exists(const SymbolicRoot& root, bool rtxLayout) {
 // Calls the function with each root, its hive's name and its key without the last backslash.
 template <typename Function>
 void ForEachRoot(bool rtxLayout, Function function) {
-    for (std::uint32_t id = 1; id <= RootCount; ++id) {
-        const SymbolicRoot& root = *FindSymbolicRoot(static_cast<SymbolicRootId>(id));
-        const RootLocation& location = root.In(rtxLayout);
+    std::uint32_t id = 1;
+    while (const SymbolicRoot* const root = FindSymbolicRoot(static_cast<SymbolicRootId>(id))) {
+        const RootLocation& location = root->In(rtxLayout);
         const std::wstring_view prefix(location.prefix);
-        function(id, root, FindRealRoot(HandleOf(location.hive))->name,
+        function(id, *root, FindRealRoot(HandleOf(location.hive))->name,
                  prefix.substr(0, prefix.size() - 1));
+        ++id;
     }
 }
 

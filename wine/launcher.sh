@@ -4,8 +4,9 @@
 kor_title='Vantrel Imaging Library >> Control Center'
 kor_launcher=$kor_build/release/app/korcontrolcenter.exe
 
-# Starts the launcher and waits until its page is filled; otherwise sets kor_failure to the reason. The HTML class notes
-# what it shows in a file; where Wine's own shows the page, the window alone is waited for.
+# Starts the launcher and waits until its page is filled; 1 if it was not, with the reason in
+# kor_failure. The HTML class notes what it shows in a file; where Wine's own shows the page, the
+# window alone is waited for.
 kor_start_launcher() {
     local started=${EPOCHREALTIME/./} deadline=$((SECONDS + 60))
     kor_page=$WINEPREFIX/page.json

@@ -16,37 +16,54 @@ target_link_options(kor_options INTERFACE
     -static -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat
     -Wl,--no-insert-timestamp -Wl,--gc-sections)
 
-if(KOR_GUARDS)
-    # -O1: undefined behaviour ends the process (exit code 29), the code stays readable in a debugger.
-    target_compile_options(kor_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:
-        -O1 -g -fsanitize=undefined -fsanitize-undefined-trap-on-error>)
-elseif(KOR_COVERAGE)
-    target_compile_options(kor_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-O0 -g --coverage>)
-    target_link_options(kor_options INTERFACE --coverage)
-else()
-    target_compile_options(kor_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:
-        -O2 -fstack-protector-strong -D_FORTIFY_SOURCE=2>)
+# What the product's own code is compiled with besides; tests and the equipment under wine/ are not.
+add_library(kor_product_options INTERFACE)
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+    target_compile_options(kor_product_options INTERFACE
+        $<$<COMPILE_LANGUAGE:CXX>:-fstack-protector-strong -D_FORTIFY_SOURCE=2>)
     # Without it at the link too, the stack protector's own library is missing.
     target_link_options(kor_options INTERFACE -s -fstack-protector-strong)
+else()
+    # Every test program is linked from the same archives: lld takes a tenth of GNU ld's time. Less
+    # debug information keeps them small; the product's own code has all of it.
+    target_link_options(kor_options INTERFACE
+        -specs=${PROJECT_SOURCE_DIR}/cmake/lld.specs -fno-use-linker-plugin)
+    target_compile_options(kor_options INTERFACE
+        # Where a precompiled header is long, GCC says with a note each time that it leaves this out.
+        $<$<COMPILE_LANGUAGE:CXX>:-g1 -Wno-misleading-indentation>)
+    target_compile_options(kor_product_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-g>)
 endif()
+if(KOR_GUARDS)
+    # Undefined behaviour ends the process (exit code 29).
+    target_compile_options(kor_product_options INTERFACE
+        $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=undefined -fsanitize-undefined-trap-on-error>)
+endif()
+if(KOR_COVERAGE)
+    target_compile_options(kor_product_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:--coverage>)
+    target_link_options(kor_options INTERFACE --coverage)
+endif()
+
+# kor_precompile(TARGET OF HEADERS...): has TARGET compiled with the headers of OF precompiled, which
+# makes them when it is TARGET itself.
+function(kor_precompile target of)
+    if(target STREQUAL of)
+        target_precompile_headers(${target} PRIVATE ${ARGN})
+    else()
+        target_precompile_headers(${target} REUSE_FROM ${of})
+    endif()
+endfunction()
 
 # A static library of the product: kor_library(NAME SOURCES... [LINK LIBS...])
 function(kor_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
     # The options are for this build only: what is installed does not impose them.
-    target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE $<BUILD_INTERFACE:kor_options>)
+    target_link_libraries(${name} PUBLIC ${ARG_LINK} PRIVATE $<BUILD_INTERFACE:kor_options>
+        $<BUILD_INTERFACE:kor_product_options>)
     target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
-    kor_lint(${name})
-endfunction()
-
-# clang-tidy runs with each compilation, so a file is checked again only when it changed.
-function(kor_lint target)
-    if(KOR_TIDY)
-        set(gcc /usr/lib/gcc/x86_64-w64-mingw32/12-posix/include/c++)
-        set_property(TARGET ${target} PROPERTY CXX_CLANG_TIDY clang-tidy --quiet
-            --extra-arg=--target=x86_64-w64-mingw32 --extra-arg=-std=gnu++17 --extra-arg=-Wno-unknown-warning-option
-            --extra-arg=-Wno-unused-command-line-argument
-            --extra-arg=-isystem${gcc} --extra-arg=-isystem${gcc}/x86_64-w64-mingw32)
+    # What is shipped goes without, and so shows that each file includes what it needs.
+    if(NOT CMAKE_BUILD_TYPE STREQUAL "Release")
+        kor_precompile(${name} base <windows.h> <algorithm> <cstdint> <cwchar> <string>)
     endif()
 endfunction()
+

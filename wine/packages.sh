@@ -10,7 +10,7 @@ kor_package_packages=(
 )
 kor_test_packages=(
     "${kor_run_packages[@]}"
-    googletest clang-format clang-tidy chromium
+    googletest lld clang-format chromium
 )
 
 # kor_need PACKAGE...: installs those that are missing; asks apt only when one is.

@@ -29,7 +29,7 @@ struct Version {
 };
 
 // Found by the table's loop through the type of its argument.
-PathBase BaseOf(CKORString Version::*text) {
+PathBase BaseOf(CKORString Version::* text) {
     return text == &Version::InstallFolder    ? PathBase::VersionInstallFolder
            : text == &Version::ExamplesFolder ? PathBase::VersionExamplesFolder
                                               : PathBase::RuntimeManager;

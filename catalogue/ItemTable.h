@@ -18,7 +18,7 @@ enum class Join {
 template <typename Bases>
 struct ItemCondition {
     bool (*Holds)(const CKORString& tested) = nullptr;
-    CKORString Bases::*Tested = nullptr; // null: the item's target
+    CKORString Bases::* Tested = nullptr; // null: the item's target
     // The reason to note when it is not made; null when another row takes its place.
     const wchar_t* Otherwise = nullptr;
 };
@@ -33,7 +33,7 @@ inline bool IsDirectory(const CKORString& path) {
 template <typename Bases>
 struct ItemRow {
     const wchar_t* Label;
-    CKORString Bases::*Base;
+    CKORString Bases::* Base;
     const wchar_t* Relative;
     ControlCenterItemType Type;
     const wchar_t* Arguments = L"";
@@ -54,7 +54,7 @@ CKORString TargetOf(const ItemRow<Bases>& row, const Bases& bases) {
     return target;
 }
 
-inline PathBase BaseOf(CKORString Installation::*text) {
+inline PathBase BaseOf(CKORString Installation::* text) {
     return text == &Installation::InstallDir              ? PathBase::InstallDir
            : text == &Installation::ActiveKorExamplesRoot ? PathBase::ActiveKorExamplesRoot
            : text == &Installation::KorExamplesRoot       ? PathBase::KorExamplesRoot

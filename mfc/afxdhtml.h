@@ -51,7 +51,9 @@ protected:                                                                      
          return static_cast<ThisClass&>(sink).memberFxn(element);                                  \
      }},
 #define END_DHTML_EVENT_MAP()                                                                      \
-    { 0, nullptr, nullptr }                                                                        \
+    {                                                                                              \
+        0, nullptr, nullptr                                                                        \
+    }                                                                                              \
     }                                                                                              \
     ;                                                                                              \
     return entries;                                                                                \

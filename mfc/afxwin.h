@@ -60,7 +60,9 @@ protected:                                                                      
      }},
 
 #define END_MESSAGE_MAP()                                                                          \
-    { 0, nullptr }                                                                                 \
+    {                                                                                              \
+        0, nullptr                                                                                 \
+    }                                                                                              \
     }                                                                                              \
     ;                                                                                              \
     static const AFX_MSGMAP map = {BaseClass::GetThisMessageMap(), entries};                       \

@@ -10,7 +10,7 @@ kor_package_packages=(
 )
 kor_test_packages=(
     "${kor_run_packages[@]}"
-    googletest lld clang-format chromium
+    googletest lld clang-format-19 chromium
 )
 
 # kor_need PACKAGE...: installs those that are missing; asks apt only when one is.

@@ -45,9 +45,7 @@ private:
 
     long m_calls = 0;
 #define COUNT(function)                                                                            \
-    Counted<struct function##_Counted, decltype(&(function))> m_##function {                       \
-#function, m_calls                                                                         \
-    }
+    Counted<struct function##_Counted, decltype(&(function))> m_##function { #function, m_calls }
     COUNT(RegOpenCurrentUser);
     COUNT(RegCreateKeyExW);
     COUNT(RegOpenKeyExW);

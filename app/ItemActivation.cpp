@@ -91,6 +91,8 @@ const ControlCenterItem* CkorcontrolcenterDlg::FindItem(const CKORString& id) co
         return nullptr;
     }
     const long index = _wtol(id.Text() + separator + 1);
+    // No item has such an index; an element of the page may say anything, and nothing may be read
+    // before a section's first item.
     if (index < 0) {
         return nullptr;
     }

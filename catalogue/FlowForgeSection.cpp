@@ -23,8 +23,12 @@ constexpr ItemRow<I> Items[] = {
 } // namespace
 
 void BuildFlowForgeSection(SectionTable& sections, const Installation& installation) {
-    const CKORString program = installation.FlowForgeInstallDir + L"FlowForge.exe";
-    if (PathFileExistsW(program.Text()) != FALSE) {
+    // Without a folder the program's name would be looked up in the current one.
+    CKORString program;
+    if (installation.FlowForgeInstallDir.Length() > 0) {
+        program = installation.FlowForgeInstallDir + L"FlowForge.exe";
+    }
+    if (program.Length() > 0 && PathFileExistsW(program.Text()) != FALSE) {
         AddItems(sections, AddSection(sections, L"FLOWFORGE", Title), Items, installation);
     } else {
         sections.Omissions.Add(

@@ -15,6 +15,10 @@ CWinApp::~CWinApp() {
     g_application = nullptr;
 }
 
+BOOL CWinApp::InitInstance() {
+    return TRUE;
+}
+
 HICON CWinApp::LoadIcon(UINT nIDResource) const {
     return ::LoadIcon(GetModuleHandle(nullptr), MAKEINTRESOURCE(nIDResource));
 }

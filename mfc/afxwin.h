@@ -164,7 +164,7 @@ public:
     virtual ~CWinApp();
 
     // The program ends when it returns; what is to be shown is shown in here.
-    virtual BOOL InitInstance() { return TRUE; }
+    virtual BOOL InitInstance();
     HICON LoadIcon(UINT nIDResource) const;
     // The name under which the application keeps its settings; the text must stay.
     void SetRegistryKey(LPCTSTR lpszRegistryKey) { m_pszRegistryKey = lpszRegistryKey; }

@@ -14,14 +14,15 @@ public:
     CComPtr& operator=(const CComPtr&) = delete;
     ~CComPtr() { Release(); }
 
-    // The old object is released last: its end may run code that comes back here.
+    // The old object is released last: its end may run code that comes back here, and finds a
+    // pointer whose reference is held.
     CComPtr& operator=(T* pointer) {
         if (p != pointer) {
+            if (pointer != nullptr) {
+                pointer->AddRef();
+            }
             T* const previous = p;
             p = pointer;
-            if (p != nullptr) {
-                p->AddRef();
-            }
             if (previous != nullptr) {
                 previous->Release();
             }

@@ -24,8 +24,8 @@ public:
     // Leaves the rows' heights, too, none for an installation that is not valid.
     void ComposePage(CTable1D<std::int64_t>& rowHeights);
 
-    Catalogue Sections;
     CKORString PageHtml;
+    Catalogue Sections; // behind the texts, so that it is destroyed before them
     std::int64_t ColumnCount = 2;
     std::int64_t RowCount = 1;
 

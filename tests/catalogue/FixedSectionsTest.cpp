@@ -216,6 +216,22 @@ TEST(ActiveKorSection, WithoutExamplesItHoldsSixItems) {
     EXPECT_STREQ((*sections[0])[0]->Id.Text(), L"ACTIVEKOR_0");
 }
 
+TEST(ActiveKorSection, OfNothingButItsControlFileTheDirectoryIsShown) {
+    const test::TestInstallation files;
+    files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
+    BuiltSections sections;
+    BuildActiveKorSection(sections, AtTestFolder());
+    ASSERT_EQ(sections.Count(), 1);
+    std::vector<std::wstring> shown;
+    for (const ControlCenterItem* const item : *sections[0]) {
+        if (item->IsShown()) {
+            shown.emplace_back(item->Label.Text());
+        }
+    }
+    EXPECT_EQ(shown, std::vector<std::wstring>{L"ActiveKOR directory"})
+        << "the control file's own folder exists";
+}
+
 TEST(ActiveKorSection, NeedsTheControlFile) {
     const test::TestInstallation files;
     files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Help\\ActiveKORHelp.chm");
@@ -276,8 +292,34 @@ TEST(FlowForgeSection, NeedsTheProgram) {
     BuiltSections sections;
     BuildFlowForgeSection(sections, AtTestFolder());
     EXPECT_EQ(sections.Count(), 0);
-    BuildFlowForgeSection(sections, Installation());
+}
+
+// The process's current folder while it lives.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const wchar_t* folder) {
+        GetCurrentDirectoryW(MAX_PATH, m_previous);
+        EXPECT_TRUE(SetCurrentDirectoryW(folder));
+    }
+    CurrentFolder(const CurrentFolder&) = delete;
+    CurrentFolder& operator=(const CurrentFolder&) = delete;
+    ~CurrentFolder() { SetCurrentDirectoryW(m_previous); }
+
+private:
+    wchar_t m_previous[MAX_PATH] = {};
+};
+
+TEST(FlowForgeSection, WithoutAFolderThereIsNoneWhateverTheCurrentFolderHolds) {
+    const test::TestInstallation files;
+    files.MakeFile(L"C:\\KorTest\\FlowForge.exe");
+    const CurrentFolder current(L"C:\\KorTest");
+    Installation installation = AtTestFolder();
+    installation.FlowForgeInstallDir = L"";
+    BuiltSections sections;
+    BuildFlowForgeSection(sections, installation);
     EXPECT_EQ(sections.Count(), 0);
+    ASSERT_EQ(sections.Omissions.Count(), 1);
+    EXPECT_STREQ(sections.Omissions[0].Tested.Text(), L"") << "nothing was looked for";
 }
 
 } // namespace

@@ -2,7 +2,10 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <shlwapi.h>
+
 #include <algorithm>
+#include <cwchar>
 
 #include "tests/catalogue/ExpectedItem.h"
 #include "tests/support/ImportHook.h"
@@ -18,8 +21,8 @@ enum { Program = 0, Folder = 1, Document = 2 };
 const std::wstring Versions64 = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
 const std::wstring Versions32 = L"Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
 
-// What an installed version may have besides its registry key.
-enum Has : unsigned { Nothing = 0, Product = 1, Tools = 2, Manager = 4 };
+// What an installed version may have besides its registry key and the value there.
+enum Has : unsigned { Nothing = 0, Product = 1, Tools = 2, Manager = 4, KeyOnly = 8 };
 
 std::wstring FolderOf(const std::wstring& version) {
     return L"C:\\KorTest\\" + version;
@@ -27,6 +30,10 @@ std::wstring FolderOf(const std::wstring& version) {
 
 void Install(const test::TestInstallation& to, const std::wstring& version, unsigned has,
              const std::wstring& view = Versions64) {
+    if (has == KeyOnly) {
+        to.MakeKey(view + version);
+        return;
+    }
     to.SetText(view + version, L"InstallationPath", FolderOf(version));
     if ((has & Product) != 0) {
         to.MakeFile(FolderOf(version) + L"\\FlowForge.exe");
@@ -62,8 +69,28 @@ std::vector<std::wstring> TitlesOf(const SectionTable& sections) {
     for (const ControlCenterSection* const section : sections) {
         titles.emplace_back(section->Title.Text());
     }
-    std::sort(titles.begin(), titles.end());
     return titles;
+}
+
+std::vector<std::wstring> Sorted(std::vector<std::wstring> texts) {
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+// The pass over the names in this order, whatever the registry's own is.
+void BuildListed(const std::vector<std::wstring>& names, SectionTable& sections) {
+    HOOK_IMPORT(enumerate, RegEnumKeyExW,
+                [&](HKEY, DWORD index, LPWSTR name, LPDWORD length, LPDWORD, LPWSTR, LPDWORD,
+                    PFILETIME) -> LSTATUS {
+                    if (index >= names.size()) {
+                        return ERROR_NO_MORE_ITEMS;
+                    }
+                    EXPECT_GT(*length, names[index].size());
+                    wcscpy(name, names[index].c_str());
+                    *length = static_cast<DWORD>(names[index].size());
+                    return ERROR_SUCCESS;
+                });
+    BuildFlowForgeVersionsSection(sections, false);
 }
 
 TEST(FlowForgeVersions, TwoVersionsShareTheNewestManager) {
@@ -139,6 +166,16 @@ TEST(FlowForgeVersions, ToolsAloneGiveASectionWithTheManagerOnly) {
                   {{L"Flow Forge Runtime Manager", L"", Program, L"", L"FLOWFORGE-3.1_0"}});
 }
 
+TEST(FlowForgeVersions, AFileNamedToolsCountsLikeTheFolder) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.1", Nothing);
+    installed.MakeFile(FolderOf(L"3.1") + L"\\Tools");
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    ASSERT_EQ(sections.Count(), 1);
+    EXPECT_EQ(sections[0]->Count(), 1) << "the manager only";
+}
+
 TEST(FlowForgeVersions, AVersionWithoutFolderOrFilesHasNoSection) {
     const test::TestInstallation installed;
     Install(installed, L"3.1", Nothing);
@@ -159,6 +196,19 @@ TEST(FlowForgeVersions, TheNewestVersionWithAManagerProvidesIt) {
         {"major decides", {{L"2.9", Product | Manager}, {L"10.0", Product | Manager}}, L"10.0"},
         {"then minor", {{L"3.2", Product | Manager}, {L"3.10", Product | Manager}}, L"3.10"},
         {"a newer one without a manager", {{L"3.0", Product | Manager}, {L"3.1", Product}}, L"3.0"},
+        {"a newer one without a manager that is listed first",
+         {{L"10.0", Product}, {L"2.0", Product | Manager}},
+         L"2.0"},
+        {"a newer one without the value that is listed first",
+         {{L"10.0", KeyOnly}, {L"2.0", Product | Manager}},
+         L"2.0"},
+        {"below 0 is older than nothing", {{L"-1.0", Product | Manager}}, L""},
+        {"below 0 is older than all",
+         {{L"-1.0", Product | Manager}, {L"2.0", Product | Manager}},
+         L"2.0"},
+        {"leading zeros do not count",
+         {{L"3.010", Product | Manager}, {L"3.9", Product | Manager}},
+         L"3.010"},
         {"one piece is passed over",
          {{L"3", Product | Manager}, {L"2.0", Product | Manager}},
          L"2.0"},
@@ -207,9 +257,38 @@ TEST(FlowForgeVersions, NamesOfAnyNumberOfPiecesGetASection) {
     }
     BuiltSections sections;
     BuildFlowForgeVersionsSection(sections, false);
-    EXPECT_EQ(TitlesOf(sections),
+    EXPECT_EQ(Sorted(TitlesOf(sections)),
               (std::vector<std::wstring>{L"Flow Forge 2.1", L"Flow Forge 3", L"Flow Forge 3.01",
                                          L"Flow Forge 3.1.2"}));
+}
+
+TEST(FlowForgeVersions, SectionsStandInTheRegistrysOwnOrder) {
+    const test::TestInstallation installed;
+    const std::vector<std::wstring> listed = {L"10.0", L"9.9", L"2.1", L"3"};
+    std::vector<std::wstring> titles;
+    for (const std::wstring& version : listed) {
+        Install(installed, version, Product);
+        titles.push_back(L"Flow Forge " + version);
+    }
+    BuiltSections sections;
+    BuildListed(listed, sections);
+    EXPECT_EQ(TitlesOf(sections), titles);
+}
+
+TEST(FlowForgeVersions, OnlyTheName21HasTheHelpFile) {
+    for (const wchar_t* const version : {L"2.10", L"2.1.0", L"02.1", L"2.1 ", L" 2.1"}) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(version)));
+        const test::TestInstallation installed;
+        installed.SetText(Versions64 + version, L"InstallationPath", L"C:\\KorTest");
+        installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
+        BuiltSections sections;
+        BuildFlowForgeVersionsSection(sections, false);
+        ASSERT_EQ(sections.Count(), 1);
+        ASSERT_EQ(sections[0]->Count(), 6);
+        const ControlCenterItem& help = *(*sections[0])[2];
+        EXPECT_STREQ(help.Label.Text(), L"Vantrel Flow Forge User Guide");
+        EXPECT_STREQ(help.Path.Text(), L"C:\\KorTest\\Documentation/FlowForgeHelp.chm");
+    }
 }
 
 TEST(FlowForgeVersions, TheViewsHaveNothingInCommon) {
@@ -259,6 +338,31 @@ TEST(FlowForgeVersions, AValueThatIsNoTextCountsAsAnEmptyFolder) {
     EXPECT_STREQ(sections.Omissions[0].Reason, L"neither the program nor a folder Tools exists");
 }
 
+TEST(FlowForgeVersions, AnExamplesPathThatIsNoTextIsALoneBackslash) {
+    const test::TestInstallation installed;
+    Install(installed, L"3.1", Product);
+    const DWORD number = 5;
+    installed.SetBytes(Versions64 + L"3.1", L"ExamplesPath", REG_DWORD, &number, 4);
+    BuiltSections sections;
+    BuildFlowForgeVersionsSection(sections, false);
+    ASSERT_EQ(sections.Count(), 1);
+    EXPECT_STREQ((*sections[0])[1]->Path.Text(),
+                 L"\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/Velnora.exe");
+}
+
+TEST(FlowForgeVersions, AManagersFolderThatIsNoTextIsTheRoot) {
+    const test::TestInstallation installed;
+    Install(installed, L"2.0", Product | Manager);
+    const DWORD number = 5;
+    installed.SetBytes(Versions64 + L"3.0", L"InstallationPath", REG_DWORD, &number, 4);
+    HOOK_IMPORT(exists, PathFileExistsW, [&](LPCWSTR path) {
+        return std::wstring(path) == L"/Tools/FlowForgeRuntimeManager.exe" ? TRUE
+                                                                           : exists.Original(path);
+    });
+    EXPECT_EQ(ChosenManager(), L"/Tools/FlowForgeRuntimeManager.exe")
+        << "the value is there, so the newest version's manager was looked for";
+}
+
 // A listed subkey that cannot be opened: the walk loses its place, and nothing that comes after it
 // is found any more.
 void BuildWhileRefused(const std::wstring& refused, SectionTable& sections) {
@@ -291,6 +395,20 @@ TEST(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
     BuiltSections with;
     BuildWhileRefused(L"none", with);
     EXPECT_EQ(with.Count(), 3);
+}
+
+TEST(FlowForgeVersions, AValueOfTheListItselfIsNoRefusedVersions) {
+    const test::TestInstallation installed;
+    // Neither while the manager is chosen ("2.0") nor while the sections are made ("2.0.0").
+    for (const wchar_t* const refused : {L"2.0", L"2.0.0"}) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(refused)));
+        Install(installed, L"", Product | Manager);
+        Install(installed, refused, Product | Manager);
+        BuiltSections sections;
+        BuildWhileRefused(refused, sections);
+        EXPECT_EQ(sections.Count(), 0) << "the key is closed and finds nothing";
+        installed.DeleteKey(Versions64 + refused);
+    }
 }
 
 TEST(FlowForgeVersions, ARefusedSubKeyOfThreePiecesEndsTheSections) {

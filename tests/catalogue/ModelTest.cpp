@@ -56,6 +56,13 @@ TEST(ControlCenterItem, BlanksInTheIdBecomeHyphens) {
     EXPECT_EQ(blanks[0]->Id, L"--a--b-_0");
 }
 
+// Before main, so before any item.
+const std::int64_t LongestLabelAtStart = LongestLabelLength;
+
+TEST(ControlCenterItem, AtStartNoLabelIsRemembered) {
+    EXPECT_EQ(LongestLabelAtStart, 0);
+}
+
 TEST(ControlCenterItem, TheLongestLabelIsRemembered) {
     ControlCenterSection section(L"K", L"T");
     LongestLabelLength = 0;

@@ -53,8 +53,7 @@ TEST(Omissions, OfAnEmptyInstallation) {
          PathBase::None},
         {L"ActiveKOR", L"", L"the control file does not exist", L"ActiveKOR/Controls/kor.ocx",
          PathBase::InstallDir},
-        {L"Flow Forge", L"", L"the program does not exist", L"FlowForge.exe",
-         PathBase::FlowForgeInstallDir},
+        {L"Flow Forge", L"", L"the program does not exist", L"", PathBase::FlowForgeInstallDir},
         {L"KOR for RTOS", L"", NoKey, RtxKey, PathBase::None},
     };
     ExpectNotes(catalogue, expected);

@@ -6,7 +6,7 @@ set(INSTALL_GTEST OFF)
 set(gtest_disable_pthreads ON)
 add_subdirectory(${KOR_GOOGLETEST_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 set(CMAKE_CROSSCOMPILING_EMULATOR
-    ${PROJECT_SOURCE_DIR}/wine/on-one-processor.sh ${PROJECT_SOURCE_DIR}/wine/in-prefix.sh)
+    ${PROJECT_SOURCE_DIR}/wine/on-one-processor.sh ${PROJECT_SOURCE_DIR}/wine/in-prefix.py)
 
 # kor_test(NAME SOURCES... [LINK LIBS...]): the test program NAME, one CTest entry.
 function(kor_test name)

@@ -1,6 +1,6 @@
 // What the registry layer costs beside the system calls that it cannot do without: both times,
 // their ratio, and the number of calls of each. Run it on one processor, which the Wine server then
-// shares: taskset -c 0 wine/in-prefix.sh bench_registry.exe. It works below
+// shares: taskset -c 0 wine/in-prefix.py bench_registry.exe. It works below
 // HKEY_CURRENT_USER\Software\KORBench. An argument limits the trees: the largest number of keys.
 #include <windows.h>
 

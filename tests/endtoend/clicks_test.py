@@ -8,7 +8,7 @@ import unittest
 from pathlib import Path
 
 from endtoend_test import EndToEnd, sections
-from session import reg_file, wait_for
+from session import wait_for
 
 LIBRARY = "C:\\Program Files\\Vantrel Imaging\\"
 EXAMPLES = "C:\\Users\\Public\\Documents\\Vantrel Imaging\\Examples\\"
@@ -154,7 +154,7 @@ class Links(EndToEnd):
             try:
                 command = (process / "cmdline").read_bytes().split(b"\0")
                 if command[0].endswith(b"explorer.exe") and folder.encode() in command and \
-                        f"WINEPREFIX={self.session.prefix}".encode() in (process / "environ").read_bytes().split(b"\0"):
+                        f"WINEPREFIX={self.session.prefix.path}".encode() in (process / "environ").read_bytes().split(b"\0"):
                     return int(process.name)
             except (FileNotFoundError, ProcessLookupError):
                 continue  # it ended meanwhile
@@ -168,8 +168,8 @@ class Changes(EndToEnd):
         session = self.session
         before = sections(session.start())
         versions = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Flow Forge\Installed Versions"
-        session.import_registry(reg_file(session, f"[{versions}\\4.0]\n"
-                                         '"InstallationPath"="C:\\\\Program Files\\\\Vantrel Flow Forge 3.0"\n'))
+        session.import_registry(f"[{versions}\\4.0]\n"
+                                '"InstallationPath"="C:\\\\Program Files\\\\Vantrel Flow Forge 3.0"\n')
         after = sections(session.refresh())
         # Without examples of its own: they are looked for in the install folder, where there are none.
         added = ("Flow Forge 4.0", ["Vantrel Flow Forge", "Vantrel Flow Forge User Guide", "Flow Forge Documentation",
@@ -184,7 +184,7 @@ class Changes(EndToEnd):
 
         size = session.size()
         library = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Imaging Library"
-        session.import_registry(reg_file(session, f'[{library}]\n"KorVersion"=-\n'))
+        session.import_registry(f'[{library}]\n"KorVersion"=-\n')
         page = session.refresh()
         message = "This KOR hasn't been installed by a valid install"
         self.assertEqual(sections(page), [(message, [])])
@@ -192,7 +192,7 @@ class Changes(EndToEnd):
         self.assertTrue(wait_for(lambda: session.size()[1] < size[1], "the window of the bare height"))
         session.wait_for_page(lambda page: page["contentHeight"] <= page["window"]["height"], "the whole message")
 
-        session.import_registry(reg_file(session, f'[{library}]\n"KorVersion"="11"\n'))
+        session.import_registry(f'[{library}]\n"KorVersion"="11"\n')
         self.assertEqual(sections(session.refresh()), after)
         self.end()
 

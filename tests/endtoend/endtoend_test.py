@@ -106,12 +106,9 @@ class Development(EndToEnd):
         (library / "Tools/GrabStudio.exe").unlink()
         shutil.rmtree(library / "Tutorial videos")
         shutil.rmtree(session.drive / "Program Files (x86)/Vantrel Flow Forge 2.0")
-        change = session.prefix / "change.reg"
-        change.write_text(
-            "Windows Registry Editor Version 5.00\n\n"
+        session.import_registry(
             "[-HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\RTX]\n\n"
             "[HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library]\n\"KORType\"=\"Runtime\"\n")
-        session.import_registry(change)
         page = session.refresh()
         changed = [(title, [label for label in labels if (title, label) not in {
             ("General Tools", "Vantrel Grab Studio"), ("General Tools", "Tutorials directory")}])

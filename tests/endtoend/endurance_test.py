@@ -43,7 +43,7 @@ class Refreshes(EndToEnd):
     def used(self):
         process = Path(f"/proc/{self.session.launcher.pid}")
         memory = (process / "smaps_rollup").read_text()
-        objects = self.session.script('"$kor_wine"', BUILD / "release/tests/endtoend/gdiobjects.exe", TITLE)
+        objects = self.session.prefix.run(BUILD / "release/tests/endtoend/gdiobjects.exe", TITLE)
         return {"private kB": int(re.search(r"Private_Dirty: *(\d+)", memory)[1]),
                 "GDI objects": int(objects), "COM objects": self.session.page()["objects"],
                 "files": len(list((process / "fd").iterdir()))}

@@ -5,7 +5,7 @@ import unittest
 
 from clicks_test import FORGE30, opened, program
 from endtoend_test import EndToEnd, sections
-from session import reg_file, wait_for
+from session import wait_for
 
 VERSIONS = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Flow Forge\Installed Versions"
 
@@ -13,8 +13,8 @@ VERSIONS = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Flow Forge\Installed Ve
 def add_versions(session, names):
     """Further versions, all in the folder of version 3.0."""
     folder = FORGE30[:-1].replace("\\", "\\\\")
-    session.import_registry(reg_file(session, "".join(
-        f'[{VERSIONS}\\{name}]\n"InstallationPath"="{folder}"\n\n' for name in names)))
+    session.import_registry("".join(
+        f'[{VERSIONS}\\{name}]\n"InstallationPath"="{folder}"\n\n' for name in names))
 
 
 class ManyVersions(EndToEnd):
@@ -53,9 +53,8 @@ class ManyVersions(EndToEnd):
     def drag_border(self, x, y):
         """Moves the window's right or lower border with the pointer."""
         session = self.session
-        place = dict(line.split("=") for line in
-                     session.xdotool("getwindowgeometry", "--shell", session.window).split())
-        left, top, width, height = (int(place[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+        place = session.geometry()
+        left, top, width, height = (place[name] for name in ("X", "Y", "WIDTH", "HEIGHT"))
         at = (left + width - 2, top + height // 2) if x else (left + width // 2, top + height - 2)
         session.xdotool("mousemove", *at, "mousedown", 1)
         for part in (3, 2, 1):

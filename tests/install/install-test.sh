@@ -20,7 +20,7 @@ for header in "$work"/prefix/include/KORRegistry/*/*.h; do
     echo "self-contained: ${header##*/include/KORRegistry/}"
 done
 
-output=$("$source_dir/wine/in-prefix.sh" "$work/example/registry_example.exe" | tr -d '\r')
+output=$("$source_dir/wine/in-prefix.py" "$work/example/registry_example.exe" | tr -d '\r')
 printf '%s\n' "$output"
 expected='camera left, gain 12
   Left

@@ -57,10 +57,7 @@ class Unpacked(unittest.TestCase):
         folder = next((session.drive / "Unpacked").iterdir())
         session.program = folder / "korcontrolcenter.exe"
         shown = session.start()["innerHtml"]["Sections"]
-        page = subprocess.run(
-            ["bash", "-c", 'source wine/common.sh; exec "$kor_wine" "$@"', "bash", folder / "kordiag.exe", "page"],
-            cwd=ROOT, env=session.environment, check=True, stdout=subprocess.PIPE).stdout
-        self.assertEqual(page.decode(), shown)
+        self.assertEqual(session.prefix.run(folder / "kordiag.exe", "page").decode(), shown)
         self.assertIn("<h2>General Tools</h2>", shown)
         self.assertEqual(session.end(), 0)
 

@@ -1,4 +1,4 @@
-// Volatile data over a restart of the system. wine/restart-in-prefix.sh runs this program twice in
+// Volatile data over a restart of the system. wine/in-prefix.py runs this program twice in
 // one prefix and restarts the registry server in between; the stage says which half is played.
 #include "tests/registry/RawRegistry.h"
 

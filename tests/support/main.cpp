@@ -18,7 +18,7 @@ LONG WINAPI EndWithTheExceptionsCode(EXCEPTION_POINTERS* exception) {
 }
 
 // There from the start of the tests to their end. A process that Wine gives up, as after a stack
-// overflow, may end with 0; wine/in-prefix.sh looks for this file then.
+// overflow, may end with 0; wine/in-prefix.py looks for this file then.
 constexpr wchar_t RunningFile[] = L"C:\\tests-are-running";
 
 } // namespace
@@ -26,7 +26,7 @@ constexpr wchar_t RunningFile[] = L"C:\\tests-are-running";
 int main(int argc, char** argv) {
     if (GetEnvironmentVariableW(L"KOR_TEST_SANDBOX", nullptr, 0) == 0) {
         std::fputs("This program changes the registry and deletes files. It runs only in the "
-                   "throw-away prefix that wine/in-prefix.sh makes.\n",
+                   "throw-away prefix that wine/in-prefix.py makes.\n",
                    stderr);
         return 2;
     }

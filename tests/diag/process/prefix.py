@@ -1,52 +1,42 @@
-"""Throw-away Wine prefixes, and kordiag.exe started in them."""
+"""kordiag.exe in a throw-away Wine prefix."""
 import json
-import os
-import shutil
 import subprocess
-import tempfile
+import sys
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[3]
-BUILD = ROOT / "build"
-WINE = ROOT / "wine" / "wine.sh"
-WINESERVER = shutil.which("wineserver") or "/usr/lib/wine/wineserver"
+sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "wine"))
+from sandbox.installation import lay_files  # noqa: E402
+from sandbox.places import DEMO, ROOT  # noqa: E402, F401
+from sandbox.prefix import throw_away  # noqa: E402
 
 
 class Prefix:
     """installation: a folder of wine/demo, or none for an empty prefix."""
 
-    def __init__(self, program, *installation):
+    def __init__(self, program, installation=None):
         self.program = program
-        folder = BUILD / "test-prefixes"
-        folder.mkdir(parents=True, exist_ok=True)
-        self.path = Path(tempfile.mkdtemp(prefix="kordiag-", dir=folder))
+        self.prefix = throw_away("kordiag")
+        self.path = self.prefix.path
+        self.import_registry = self.prefix.import_registry
         try:
-            subprocess.run(["bash", Path(__file__).with_name("prefix.sh"), self.path, *installation], check=True)
+            if installation:
+                lay_files(self.prefix, DEMO / installation / "files.txt")
+                self.import_registry(DEMO / installation / "registry.reg")
         except BaseException:
-            self.end_server()
+            self.prefix.remove()
             raise
         # Without a desktop that stays, each program that asks for the screen makes one: 1.2 s.
         self.desktop = self.start("/desktop", program="explorer.exe", stdout=subprocess.DEVNULL,
                                   stderr=subprocess.DEVNULL)
 
     def close(self):
-        self.end_server()
+        self.prefix.remove()
         self.desktop.wait(timeout=30)
 
-    def end_server(self):
-        subprocess.run([WINESERVER, "-k"], env=self.environment(), check=False)
-        shutil.rmtree(self.path, ignore_errors=True)
-
-    def environment(self, **variables):
-        return {**os.environ, "WINEPREFIX": str(self.path), "WINEDEBUG": "-all", "LC_ALL": "C.UTF-8",
-                "WINEDLLOVERRIDES": "mscoree=d;winemenubuilder.exe=d",
-                "HOME": str(BUILD / "scratch-home"), **variables}
-
     def start(self, *arguments, program=None, variables=None, **options):
-        options.setdefault("stdout", subprocess.PIPE)
-        options.setdefault("stderr", subprocess.PIPE)
-        return subprocess.Popen([WINE, program or self.program, *arguments],
-                                env=self.environment(**(variables or {})), **options)
+        environment = {**self.prefix.environment, **(variables or {})}
+        options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
+        return self.prefix.start(program or self.program, *arguments, env=environment, **options)
 
     def run(self, *arguments, **options):
         """Exit code, standard output and standard error, as bytes."""
@@ -65,14 +55,7 @@ class Prefix:
         exports = []
         for hive in ("HKEY_LOCAL_MACHINE", "HKEY_CURRENT_USER"):
             file = self.path / "export.reg"
-            subprocess.run([WINE, "regedit", "/E", file, hive + "\\Software"], env=self.environment(), check=True)
+            self.prefix.run("regedit", "/E", file, hive + "\\Software")
             exports.append(file.read_text("utf-16"))
             file.unlink()
         return exports
-
-    def import_registry(self, text):
-        file = self.path / "import.reg"
-        file.write_bytes(("\ufeffWindows Registry Editor Version 5.00\r\n\r\n" + text.replace("\n", "\r\n"))
-                         .encode("utf-16-le", "surrogatepass"))
-        subprocess.run([WINE, "regedit", "/S", file], env=self.environment(), check=True)
-        file.unlink()

@@ -19,11 +19,17 @@ HRESULT STDMETHODCALLTYPE QueryInterfaceOf(Face* self, const IID* iid, void** ob
 }
 
 ULONG STDMETHODCALLTYPE AddRefOf(Face* self) {
+    if (self->Owner->OnAddRef) {
+        self->Owner->OnAddRef();
+    }
     ++self->Owner->AddRefs;
     return static_cast<ULONG>(++self->Owner->References);
 }
 
 ULONG STDMETHODCALLTYPE ReleaseOf(Face* self) {
+    if (self->Owner->OnRelease) {
+        self->Owner->OnRelease();
+    }
     return static_cast<ULONG>(--self->Owner->References);
 }
 

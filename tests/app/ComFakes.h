@@ -44,6 +44,9 @@ public:
 
     int References = 0;
     int AddRefs = 0; // calls so far
+    // Called when a reference is taken or given back, before it is counted.
+    std::function<void()> OnAddRef;
+    std::function<void()> OnRelease;
     // What was called, in order; shared by the fakes of a test.
     std::vector<std::string>* Log = nullptr;
 

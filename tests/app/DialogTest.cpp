@@ -2,14 +2,27 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <cstdio>
+
 #include "app/CkorcontrolcenterDlg.h"
+#include "tests/app/HostedDialog.h"
 #include "tests/page/SystemCalls.h"
+#include "tests/support/GuardedMemory.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {
 
+// Access to a private member, by which an explicit instantiation may be named.
+std::int64_t TitleLengthOf(const CkorcontrolcenterDlg& dialog);
+template <std::int64_t CkorcontrolcenterDlg::* Member>
+struct TitleLengthAccess {
+    friend std::int64_t TitleLengthOf(const CkorcontrolcenterDlg& dialog) { return dialog.*Member; }
+};
+template struct TitleLengthAccess<&CkorcontrolcenterDlg::m_titleLength>;
+
 struct TestDialog : CkorcontrolcenterDlg {
+    using CkorcontrolcenterDlg::GetDHtmlEventMap;
     using CkorcontrolcenterDlg::OnGetMinMaxInfo;
     using CkorcontrolcenterDlg::OnPaint;
 };
@@ -48,6 +61,25 @@ TEST(Dialog, ItsSizesFollowTheScreen) {
         EXPECT_EQ(dialog.WindowHeight, 666) << "no valid installation: no rows are added";
         EXPECT_EQ(dialog.ColumnCount, 2);
     }
+}
+
+TEST(Dialog, KeepsTheLengthOfItsTitle) {
+    const test::TestInstallation installation;
+    const TestDialog dialog;
+    EXPECT_EQ(TitleLengthOf(dialog), 41) << "of \"Vantrel Imaging Library >> Control Center\"";
+}
+
+TEST(Dialog, ServesThreeEventsOfItemsAndNoOthers) {
+    const test::TestInstallation installation;
+    TestDialog dialog;
+    std::vector<std::pair<DISPID, std::wstring>> entries;
+    for (const auto* entry = dialog.GetDHtmlEventMap(); entry->szName != nullptr; ++entry) {
+        entries.emplace_back(entry->dispId, entry->szName);
+    }
+    EXPECT_EQ(entries, (std::vector<std::pair<DISPID, std::wstring>>{
+                           {static_cast<DISPID>(0x80010008), L"item"},
+                           {static_cast<DISPID>(0x80010009), L"item"},
+                           {-600, L"item"}}));
 }
 
 TEST(Dialog, TheConstructorQueriesBuildsAndComposes) {
@@ -222,6 +254,80 @@ TEST(Dialog, OtherwiseTheWindowPaintsItself) {
     });
     dialog.OnPaint();
     EXPECT_EQ(passedOn, 1);
+}
+
+using PageOfDialog = test::HostedDialog;
+using test::Do;
+
+TEST_F(PageOfDialog, IsLaidOutByTheSystemsFocus) {
+    struct Dialog : CkorcontrolcenterDlg {
+        BOOL OnInitDialog() override { return Result = CkorcontrolcenterDlg::OnInitDialog(); }
+        BOOL Result = -1;
+    };
+    Dialog dialog;
+    test::RunModal(dialog, m_page, {});
+    EXPECT_EQ(dialog.Result, TRUE);
+}
+
+TEST_F(PageOfDialog, ItsTextIsFreedBeforeTheWindowIsResizedAndItsElementReleasedAfter) {
+    std::vector<std::string> log;
+    HOOK_IMPORT(free, SysFreeString, [&](BSTR text) {
+        if (text != nullptr && m_dialog.PageHtml.Length() > 0 &&
+            std::wstring(text) == m_dialog.PageHtml.Text()) {
+            log.emplace_back("free");
+        }
+        free.Original(text);
+    });
+    HOOK_IMPORT(resize, SetWindowPos,
+                [&](HWND window, HWND after, int x, int y, int cx, int cy, UINT flags) -> BOOL {
+                    log.emplace_back("resize");
+                    return resize.Original(window, after, x, y, cx, cy, flags);
+                });
+    m_page.Sections.OnRelease = [&] { log.emplace_back("release"); };
+    test::RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); })});
+    EXPECT_EQ(log, (std::vector<std::string>{"free", "resize", "release"}));
+}
+
+TEST_F(PageOfDialog, IsNoLargerThanASmallWorkArea) {
+    HOOK_IMPORT(area, SystemParametersInfoW, [&](UINT what, UINT w, PVOID out, UINT flags) -> BOOL {
+        if (what != SPI_GETWORKAREA) {
+            return area.Original(what, w, out, flags);
+        }
+        *static_cast<RECT*>(out) = {50, 20, 450, 320};
+        return TRUE;
+    });
+    CkorcontrolcenterDlg dialog;
+    SIZE filled = {};
+    test::RunModal(dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
+                                        RECT window = {};
+                                        GetWindowRect(dialog.m_hWnd, &window);
+                                        filled = {window.right - window.left,
+                                                  window.bottom - window.top};
+                                    })});
+    EXPECT_GT(dialog.WindowWidth, 400);
+    EXPECT_GT(dialog.WindowHeight, 300);
+    EXPECT_EQ(filled.cx, 400);
+    EXPECT_EQ(filled.cy, 300);
+}
+
+using PageOfDialogDeathTest = PageOfDialog;
+
+TEST_F(PageOfDialogDeathTest, WithoutMemoryToComposeItTheProcessEnds) {
+    const auto fill = [&] {
+        HOOK_IMPORT(box, MessageBoxW, [](HWND, LPCWSTR text, LPCWSTR caption, UINT style) {
+            std::fprintf(stderr, "[%ls|%ls|%u]", text, caption, style);
+            return IDOK;
+        });
+        // The page's text as it is when the list of sections is in it.
+        const std::size_t size = static_cast<std::size_t>(m_dialog.PageHtml.Capacity());
+        test::RunModal(m_dialog, m_page,
+                       {Do([&] { m_page.Complete(); }), Do([&] {
+                            const test::AllocationFailure failure(1, size * sizeof(wchar_t));
+                            AskHost(WM_KEYUP, VK_F5);
+                        })});
+    };
+    EXPECT_EXIT(fill(), testing::ExitedWithCode(1),
+                "\\[Not enough heap memory to process\\.\\|Fatal memory error\\.\\|0\\]");
 }
 
 } // namespace

@@ -5,10 +5,12 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "app/CkorcontrolcenterDlg.h"
 #include "tests/app/ComFakes.h"
+#include "tests/page/SystemCalls.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TestInstallation.h"
 
@@ -106,6 +108,48 @@ TEST_F(ItemActivation, OneReferenceToTheHoveredElementIsHeld) {
     EXPECT_EQ(m_other.References, 0);
 }
 
+TEST_F(ItemActivation, TheNewReferenceIsTakenBeforeTheElementIsKept) {
+    m_dialog.OnItemMouseOver(m_other.Element());
+    m_element.OnAddRef = [&] {
+        m_element.OnAddRef = nullptr;
+        // Leaves the element that is kept now.
+        m_dialog.OnItemMouseOut(m_other.Element());
+        EXPECT_EQ(m_other.References, 0) << "the former one was kept until now";
+        EXPECT_EQ(m_element.References, 0);
+    };
+    m_dialog.OnItemMouseOver(m_element.Element());
+    EXPECT_EQ(m_element.AddRefs, 1);
+    EXPECT_EQ(m_element.References, 1);
+    m_dialog.OnItemMouseOut(m_element.Element());
+}
+
+TEST_F(ItemActivation, TheFormerElementIsReleasedAfterTheNewOneIsKept) {
+    m_dialog.OnItemMouseOver(m_other.Element());
+    m_other.OnRelease = [&] {
+        m_other.OnRelease = nullptr;
+        EXPECT_EQ(m_element.References, 1);
+        m_dialog.OnItemMouseOut(m_element.Element());
+        EXPECT_EQ(m_element.References, 0) << "the new one was kept already";
+    };
+    m_dialog.OnItemMouseOver(m_element.Element());
+    EXPECT_EQ(m_other.References, 0);
+}
+
+TEST_F(ItemActivation, TheStyleIsReleasedBeforeTheHoveredElementChanges) {
+    int changes = 0;
+    const auto change = [&] {
+        ++changes;
+        EXPECT_EQ(m_log.back(), changes == 1 ? "cursor" : "color");
+        EXPECT_EQ(m_style.References, 0);
+    };
+    m_element.OnAddRef = change;
+    m_element.OnRelease = change;
+    m_dialog.OnItemMouseOver(m_element.Element());
+    EXPECT_EQ(changes, 1);
+    m_dialog.OnItemMouseOut(m_element.Element());
+    EXPECT_EQ(changes, 2);
+}
+
 TEST_F(ItemActivation, AnElementWithoutStyleIsHoveredToo) {
     m_element.Style = nullptr;
     EXPECT_EQ(m_dialog.OnItemMouseOver(m_element.Element()), S_OK);
@@ -129,7 +173,13 @@ struct ClickCase {
 };
 
 TEST_F(ItemActivation, TheIdNamesTheItem) {
-    Fill({{L"KOR", 3}, {L"A_B", 4}, {L"TOOLS", 2}, {L"tools", 5}, {L"", 1}, {L"EMPTY", 0}});
+    Fill({{L"KOR", 3},
+          {L"A_B", 4},
+          {L"TOOLS", 2},
+          {L"tools", 5},
+          {L"", 1},
+          {L"EMPTY", 0},
+          {L"LONG", 12}});
     const ClickCase cases[] = {
         {L"KOR_2", L"0:2"},
         {L"kor_0", L"0:0"}, // in any case
@@ -143,10 +193,15 @@ TEST_F(ItemActivation, TheIdNamesTheItem) {
         {L"TOOLS_1", L"2:1"},
         {L"TOOLS_4", L"3:4"}, // the first section of the key has too few
         {L"TOOLS_5", L""},
+        {L"LONG_010", L"6:10"}, // not octal
+        {L"LONG_0x1", L"6:0"},  // nor hexadecimal
         {L"_0", L"4:0"},
         {L"KOR_3", L""},
         {L"KOR_-1", L""},
         {L"KOR_-2", L""},
+        {L"KOR_-4096", L""}, // another page of memory
+        {L"KOR_-1000000", L""},
+        {L"KOR_-2147483648", L""},
         {L"KOR_2147483647", L""},
         {L"KOR_99999999999999999999", L""},
         {L"EMPTY_0", L""},
@@ -208,6 +263,75 @@ TEST_F(ItemActivation, TheTextsOfAnElementAreFreed) {
     EXPECT_EQ(freed, 3);
 }
 
+TEST_F(ItemActivation, TheTextsAreAskedForInOrderAndFreedAfterTheLaunch) {
+    Fill({{L"K", 1}});
+    Lines log;
+    HOOK_IMPORT(allocate, SysAllocString, [&](const OLECHAR* text) {
+        log.push_back("allocate " + test::Narrow(text));
+        return allocate.Original(text);
+    });
+    HOOK_IMPORT(free, SysFreeString, [&](BSTR text) {
+        if (text != nullptr) {
+            log.push_back("free " + test::Narrow(text));
+        }
+        free.Original(text);
+    });
+    HOOK_IMPORT(execute, ShellExecuteW,
+                [&](HWND, LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR, INT) -> HINSTANCE {
+                    log.emplace_back("launch");
+                    return nullptr;
+                });
+    test::FakeElement element;
+    element.Id = L"K_0";
+    element.Text = L"text";
+    m_dialog.OnItemClick(element.Element());
+    ASSERT_EQ(log.size(), 5U);
+    EXPECT_EQ(Lines(log.begin(), log.begin() + 3),
+              (Lines{"allocate text", "allocate K_0", "launch"}));
+    std::sort(log.begin() + 3, log.end());
+    EXPECT_EQ(Lines(log.begin() + 3, log.end()), (Lines{"free K_0", "free text"}));
+}
+
+// A message box of the shell's lets F5 through.
+TEST_F(ItemActivation, PathAndArgumentsOutliveTheCatalogue) {
+    const int types[] = {ItemProgram, ItemFolder, ItemDocument, ItemElevatedProgram, ItemHelpTopic};
+    for (const int type : types) {
+        SCOPED_TRACE(type);
+        Fill({{L"K", 1}});
+        ControlCenterItem& item = *(*m_dialog.Sections[0])[0];
+        item.Type = static_cast<ControlCenterItemType>(type);
+        item.Path = L"C:\\path";
+        item.Arguments = L"arguments";
+        std::wstring file;
+        std::wstring parameters;
+        HOOK_IMPORT(admin, IsUserAnAdmin, [&]() -> BOOL {
+            m_dialog.BuildSections();
+            return TRUE;
+        });
+        HOOK_IMPORT(open, ShellExecuteW,
+                    [&](HWND, LPCWSTR, LPCWSTR what, LPCWSTR with, LPCWSTR, INT) -> HINSTANCE {
+                        m_dialog.BuildSections();
+                        file = what;
+                        parameters = with != nullptr ? with : L"";
+                        return nullptr;
+                    });
+        HOOK_IMPORT(start, ShellExecuteExW, [&](SHELLEXECUTEINFOW* what) -> BOOL {
+            m_dialog.BuildSections();
+            file = what->lpFile;
+            parameters = what->lpParameters;
+            return TRUE;
+        });
+        test::FakeElement element;
+        element.Id = L"K_0";
+        element.Text = L"text";
+        m_dialog.OnItemClick(element.Element());
+        const bool isTopic = type == ItemHelpTopic;
+        const bool isProgram = type == ItemProgram || type == ItemElevatedProgram;
+        EXPECT_EQ(file, isTopic ? L"hh.exe" : L"C:\\path");
+        EXPECT_EQ(parameters, isTopic ? L"C:\\patharguments" : isProgram ? L"arguments" : L"");
+    }
+}
+
 TEST_F(ItemActivation, AClickPassesPathArgumentsAndType) {
     Fill({{L"K", 1}});
     ControlCenterItem& item = *(*m_dialog.Sections[0])[0];
@@ -233,12 +357,23 @@ struct OpenCase {
     const wchar_t* parameters;
 };
 
-TEST_F(ItemActivation, FoldersDocumentsAndTopicsAreOpened) {
+// The shell gets no window, although the dialog has one.
+class ShellCalls : public ItemActivation {
+protected:
+    ShellCalls() { m_dialog.m_hWnd = reinterpret_cast<HWND>(0x1234); }
+    ~ShellCalls() override { m_dialog.m_hWnd = nullptr; }
+};
+
+TEST_F(ShellCalls, OpenFoldersDocumentsAndTopics) {
     const OpenCase cases[] = {
         {ItemFolder, L"C:\\x.chm", nullptr}, // the arguments are not passed: intended
         {ItemDocument, L"C:\\x.chm", nullptr},
         {ItemHelpTopic, L"hh.exe", L"C:\\x.chm::/t"},
     };
+    HOOK_IMPORT(admin, IsUserAnAdmin, []() -> BOOL {
+        ADD_FAILURE() << "asked only for elevated programs";
+        return TRUE;
+    });
     for (const OpenCase& c : cases) {
         SCOPED_TRACE(c.type);
         int calls = 0;
@@ -269,7 +404,7 @@ struct StartCase {
     const wchar_t* verb;
 };
 
-TEST_F(ItemActivation, ProgramsAreStartedWithTheirArguments) {
+TEST_F(ShellCalls, StartProgramsWithTheirArguments) {
     const StartCase cases[] = {
         {ItemProgram, FALSE, nullptr},        {ItemProgram, TRUE, nullptr},
         {ItemElevatedProgram, TRUE, nullptr}, {ItemElevatedProgram, FALSE, L"runas"},
@@ -279,7 +414,11 @@ TEST_F(ItemActivation, ProgramsAreStartedWithTheirArguments) {
         SCOPED_TRACE(testing::PrintToString(c.type) + " " +
                      testing::PrintToString(c.isAdministrator));
         int calls = 0;
-        HOOK_IMPORT(admin, IsUserAnAdmin, [&]() { return c.isAdministrator; });
+        int questions = 0;
+        HOOK_IMPORT(admin, IsUserAnAdmin, [&]() {
+            ++questions;
+            return c.isAdministrator;
+        });
         HOOK_IMPORT(execute, ShellExecuteExW, [&](SHELLEXECUTEINFOW* start) -> BOOL {
             ++calls;
             EXPECT_EQ(start->cbSize, 112U);
@@ -300,7 +439,30 @@ TEST_F(ItemActivation, ProgramsAreStartedWithTheirArguments) {
         });
         m_dialog.LaunchItem(L"C:\\p.exe", L"-a \"b c\"", c.type);
         EXPECT_EQ(calls, 1);
+        EXPECT_EQ(questions, c.type == ItemElevatedProgram ? 1 : 0)
+            << "whether the user is an administrator";
     }
+}
+
+TEST_F(ShellCalls, PassEmptyArgumentsAsAnEmptyText) {
+    std::vector<std::wstring> passed;
+    const auto pass = [&](LPCWSTR parameters) {
+        passed.emplace_back(parameters != nullptr ? parameters : L"(none)");
+    };
+    HOOK_IMPORT(admin, IsUserAnAdmin, []() -> BOOL { return TRUE; });
+    HOOK_IMPORT(start, ShellExecuteExW, [&](SHELLEXECUTEINFOW* what) -> BOOL {
+        pass(what->lpParameters);
+        return TRUE;
+    });
+    HOOK_IMPORT(open, ShellExecuteW,
+                [&](HWND, LPCWSTR, LPCWSTR, LPCWSTR parameters, LPCWSTR, INT) -> HINSTANCE {
+                    pass(parameters);
+                    return nullptr;
+                });
+    for (const int type : {ItemProgram, ItemElevatedProgram, ItemHelpTopic}) {
+        m_dialog.LaunchItem(L"C:\\x", L"", type);
+    }
+    EXPECT_EQ(passed, (std::vector<std::wstring>{L"", L"", L"C:\\x"}));
 }
 
 TEST_F(ItemActivation, ElevationIsAskedForOnRequestOnly) {

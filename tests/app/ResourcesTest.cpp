@@ -47,43 +47,39 @@ TEST(Resources, TheDialogTemplate) {
     EXPECT_STREQ(dialog.font, L"MS Shell Dlg");
 }
 
-constexpr char H2Rule[] = "h2 { MARGIN: 20px 0px -5px 10px; "
-                          "FONT: 130% franklin gothic,arial,helvetica; font-weight: bold; }";
+// The lines of the page, each ended as Windows does.
+constexpr const char* PageLines[] = {
+    "<html>",
+    "<head>",
+    "<style>",
+    "#bordertable table { BORDER-STYLE:solid; BORDER-COLOR:#AAAAAA; BORDER-WIDTH:1px }",
+    "table.innertable{BORDER-WIDTH:0px}",
+    "body { FONT: 68% franklin gothic,arial,helvetica; COLOR: #000000; line-height: 6pt; }",
+    "td { FONT: 68% franklin gothic,arial,helvetica; COLOR: #000000; line-height: 12pt;}",
+    "td.column {BORDER-STYLE:solid; BORDER-COLOR:#AAAAAA; BORDER-WIDTH:0px}",
+    "h2 { MARGIN: 20px 0px -5px 10px; FONT: 130% franklin gothic,arial,helvetica; font-weight: bold; }",
+    "</style>",
+    "</head>",
+    "<body>",
+    "<div id=\"wholedocument\">",
+    "<table width=\"100%\">",
+    "<tr><td align=\"center\"><img src=\"res:/IMAGE/CONTROLCENTER.JPG\"></td></tr>",
+    "</table>",
+    "<table id=\"bordertable\" width=\"100%\">",
+    "<tr><td width=\"100%\"><div id=\"Sections\"></div></td></tr>",
+    "</table>",
+    "</div>",
+    "</body>",
+    "</html>",
+};
 
 TEST(Resources, ThePageIsEightBitTextWithWindowsLineEnds) {
-    const std::string page = Resource(MAKEINTRESOURCEW(129), MAKEINTRESOURCEW(23));
-    for (std::size_t i = 0; i < page.size(); ++i) {
-        ASSERT_NE(page[i], '\0') << i;
-        ASSERT_EQ(page[i] == '\n', i > 0 && page[i - 1] == '\r') << i;
+    std::string expected;
+    for (const char* const line : PageLines) {
+        expected += line;
+        expected += "\r\n";
     }
-    // In this order.
-    const char* const parts[] = {
-        "<style>",
-        "#bordertable table { BORDER-STYLE:solid; BORDER-COLOR:#AAAAAA; BORDER-WIDTH:1px }",
-        "table.innertable{BORDER-WIDTH:0px}",
-        "body { FONT: 68% franklin gothic,arial,helvetica; COLOR: #000000; line-height: 6pt; }",
-        "td { FONT: 68% franklin gothic,arial,helvetica; COLOR: #000000; line-height: 12pt;}",
-        "td.column {BORDER-STYLE:solid; BORDER-COLOR:#AAAAAA; BORDER-WIDTH:0px}",
-        H2Rule,
-        "</style>",
-        "<body>",
-        "<div id=\"wholedocument\">",
-        "<table width=\"100%\">",
-        "align=\"center\"",
-        "src=\"res:/IMAGE/CONTROLCENTER.JPG\"",
-        "</table>",
-        "<table id=\"bordertable\" width=\"100%\">",
-        "<td width=\"100%\"><div id=\"Sections\"></div></td>",
-        "</table>",
-        "</div>",
-        "</body>",
-    };
-    std::size_t position = 0;
-    for (const char* const part : parts) {
-        const std::size_t found = page.find(part, position);
-        ASSERT_NE(found, std::string::npos) << part;
-        position = found + std::strlen(part);
-    }
+    EXPECT_EQ(Resource(MAKEINTRESOURCEW(129), MAKEINTRESOURCEW(23)), expected);
 }
 
 TEST(Resources, TheBannerIsAJpeg) {

@@ -4,9 +4,28 @@
 
 #include <commctrl.h>
 
+#include <functional>
+
 #include "app/CkorcontrolcenterApp.h"
 #include "tests/app/ModalRun.h"
 #include "tests/support/TestInstallation.h"
+
+// The linker leads the calls of CWinApp's own step through here.
+BOOL RealInitInstance(CWinApp* application) asm("__real__ZN7CWinApp12InitInstanceEv");
+BOOL BaseInitInstance(CWinApp* application) asm("__wrap__ZN7CWinApp12InitInstanceEv");
+
+namespace {
+
+std::function<void()> g_onBaseInitInstance;
+
+} // namespace
+
+BOOL BaseInitInstance(CWinApp* application) {
+    if (g_onBaseInitInstance) {
+        g_onBaseInitInstance();
+    }
+    return RealInitInstance(application);
+}
 
 namespace {
 
@@ -27,6 +46,11 @@ protected:
 };
 
 TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
+    theApp.m_pszRegistryKey = nullptr;
+    g_onBaseInitInstance = [&] {
+        EXPECT_EQ(theApp.m_pszRegistryKey, nullptr);
+        Record("base");
+    };
     HOOK_IMPORT(controls, InitCommonControlsEx, [&](const INITCOMMONCONTROLSEX* what) -> BOOL {
         EXPECT_EQ(what->dwSize, 8U);
         EXPECT_EQ(what->dwICC, 0xFFU);
@@ -35,6 +59,8 @@ TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
     });
     HOOK_IMPORT(icon, LoadIconW, [&](HINSTANCE module, LPCWSTR name) {
         EXPECT_EQ(name, MAKEINTRESOURCEW(134));
+        EXPECT_STREQ(theApp.m_pszRegistryKey, L"KOR Control Center");
+        EXPECT_EQ(theApp.m_pMainWnd, nullptr) << "the dialog is being constructed";
         Record("icon");
         return icon.Original(module, name);
     });
@@ -59,7 +85,7 @@ TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
                 [&](HINSTANCE module, LPCWSTR name, HWND parent, DLGPROC procedure, LPARAM param) {
                     EXPECT_EQ(name, MAKEINTRESOURCEW(102));
                     EXPECT_EQ(parent, nullptr);
-                    EXPECT_STREQ(theApp.m_pszRegistryKey, L"KOR Control Center");
+                    EXPECT_NE(theApp.m_pMainWnd, nullptr);
                     Record("dialog");
                     return create.Original(module, name, parent, procedure, param);
                 });
@@ -71,12 +97,13 @@ TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
                            EXPECT_TRUE(IsWindowVisible(theApp.m_pMainWnd->m_hWnd));
                        })},
                        [] { return INT_PTR{theApp.InitInstance()}; });
+    g_onBaseInitInstance = nullptr;
     EXPECT_EQ(result, FALSE);
     EXPECT_TRUE(ran);
     EXPECT_EQ(theApp.m_pMainWnd, nullptr) << "the dialog is gone";
     EXPECT_EQ(m_calls,
-              (Lines{"common controls", "icon", "parameter 48", "metric 7", "metric 8", "metric 3",
-                     "metric 2", "metric 15", "screen", "registry", "dialog"}));
+              (Lines{"common controls", "base", "icon", "parameter 48", "metric 7", "metric 8",
+                     "metric 3", "metric 2", "metric 15", "screen", "registry", "dialog"}));
 }
 
 struct Closing {
@@ -87,7 +114,7 @@ struct Closing {
 // The dialog's own command, the window's end, and the button in its caption.
 constexpr Closing Closings[] = {{WM_COMMAND, IDCANCEL}, {WM_CLOSE, 0}, {WM_SYSCOMMAND, SC_CLOSE}};
 
-TEST_F(StartUp, ClosingTheDialogEndsIt) {
+TEST_F(StartUp, ClosingTheDialogEndsTheProgramWithCode0) {
     for (const Closing& closing : Closings) {
         SCOPED_TRACE(closing.message);
         bool goesOn = false;
@@ -103,9 +130,9 @@ TEST_F(StartUp, ClosingTheDialogEndsIt) {
                  return posted;
              },
              test::Do([&] { goesOn = true; })},
-            [] { return INT_PTR{theApp.InitInstance()}; });
+            [] { return INT_PTR{WinMain(nullptr, nullptr, nullptr, SW_SHOW)}; });
         EXPECT_FALSE(goesOn);
-        EXPECT_EQ(result, FALSE) << "as with every other end";
+        EXPECT_EQ(result, 0) << "the program's exit code";
     }
 }
 

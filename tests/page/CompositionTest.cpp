@@ -4,9 +4,11 @@
 
 #include <shlwapi.h>
 
+#include <cstdio>
 #include <string>
 
 #include "app/page/ControlCenterPage.h"
+#include "tests/support/GuardedMemory.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TestInstallation.h"
 
@@ -67,6 +69,47 @@ TEST_F(Composition, TwoSectionsGiveOneRow) {
     EXPECT_EQ(m_page.WindowHeight, 1000 + 45 + 2 * 20) << "by the taller section";
     EXPECT_EQ(m_page.Sections[0]->ShownItemCount, 1);
     EXPECT_EQ(m_page.Sections[1]->ShownItemCount, 2);
+}
+
+TEST_F(Composition, TheTallerSectionMayStandOnTheLeft) {
+    Add(L"A", L"Alpha", 3);
+    Add(L"B", L"Beta", 1);
+    m_page.WindowHeight = 0;
+    Compose();
+    EXPECT_EQ(m_page.WindowHeight, 45 + 3 * 20);
+}
+
+// Where a composition ends that needs one piece of memory more than there is.
+using CompositionDeathTest = Composition;
+
+TEST_F(CompositionDeathTest, ARowsHeightIsAddedBeforeTheRowIsClosed) {
+    // The page's text grows in steps of 32 characters. Here the row's closing begins a step.
+    constexpr std::int64_t Step = 32;
+    constexpr std::int64_t Closings = 8 + 5; // "</table>" and "</tr>"
+    m_page.ColumnCount = 1;
+    auto* const section = new ControlCenterSection(L"A", L"Alpha");
+    m_page.Sections.Add(section);
+    m_page.Sections.PlaceOnGrid(1);
+    AddItem(*section, L"C:\\KorTest\\x", L"L");
+    m_page.ComposePage();
+    const std::int64_t before = m_page.PageHtml.Count() - Closings;
+    const std::int64_t missing = (Step - before % Step) % Step;
+    (*section)[0]->Label += std::wstring(static_cast<std::size_t>(missing), L'L').c_str();
+    const std::int64_t needed = before + missing + Step;
+    const auto composeWithoutMemory = [&] {
+        m_page.WindowHeight = 1000;
+        HOOK_IMPORT(box, MessageBoxW, [&](HWND, LPCWSTR text, LPCWSTR caption, UINT style) {
+            std::fprintf(stderr, "[%ls|%ls|%u] height %lld", text, caption, style,
+                         static_cast<long long>(m_page.WindowHeight));
+            return IDOK;
+        });
+        const test::AllocationFailure failure(1,
+                                              static_cast<std::size_t>(needed) * sizeof(wchar_t));
+        m_page.ComposePage();
+    };
+    EXPECT_EXIT(
+        composeWithoutMemory(), testing::ExitedWithCode(1),
+        "\\[Not enough heap memory to process\\.\\|Fatal memory error\\.\\|0\\] height 1065");
 }
 
 TEST_F(Composition, TheSecondRowsSecondCellOfThreeSectionsStaysOpen) {
@@ -198,6 +241,32 @@ TEST(ControlCenterPage, BuildsFromScratchEachTime) {
     EXPECT_EQ(page.RowCount, 2);
     page.BuildSections();
     EXPECT_EQ(page.Sections.Count(), 4) << "nothing is there twice";
+}
+
+// Tells how many blocks of memory there are at its end.
+class Witness : public ControlCenterSection {
+public:
+    explicit Witness(std::int64_t& blocks)
+        : ControlCenterSection(L"W", L"Witness"), m_blocks(blocks) {}
+    Witness(const Witness&) = delete;
+    Witness& operator=(const Witness&) = delete;
+    ~Witness() override { m_blocks = test::LiveBlocks(); }
+
+private:
+    std::int64_t& m_blocks;
+};
+
+TEST(ControlCenterPage, EndsItsSectionsBeforeItsTexts) {
+    std::int64_t atTheSectionsEnd = 0;
+    std::int64_t before = 0;
+    {
+        ControlCenterPage page;
+        page.PageHtml = L"html";
+        page.InstallDir = L"C:\\Lib\\";
+        page.Sections.Add(new Witness(atTheSectionsEnd));
+        before = test::LiveBlocks();
+    }
+    EXPECT_EQ(atTheSectionsEnd, before) << "a text was given back before";
 }
 
 TEST(ControlCenterPage, AsksForTheFourFolders) {

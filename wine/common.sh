@@ -54,7 +54,10 @@ kor_build_preset() {
 
 # kor_private_display WIDTHxHEIGHT: starts an X server of its own and sets DISPLAY; the caller ends
 # the process kor_display_pid.
-kor_private_display() { eval "$(python3 -m sandbox.display "$1")"; }
+kor_private_display() {
+    local started
+    started=$(python3 -m sandbox.display "$1") && eval "$started"
+}
 
 # The prefix that others are copied from; made once.
 kor_make_template() { python3 -m sandbox.prefix; }

@@ -8,14 +8,14 @@ import os
 import sys
 from pathlib import Path
 
-from sandbox.display import Display
+from sandbox.display import private_display
 from sandbox.ending import end_on_signals
 from sandbox.prefix import SERVER_SECONDS, throw_away
 from sandbox.say import say
 
 
-def run(prefix, command, **variables):
-    code = prefix.start(*command, env={**prefix.environment, **variables}).wait()
+def run(prefix, command):
+    code = prefix.start(*command).wait()
     if (prefix.drive / "tests-are-running").exists():
         say(f"The program ended before its tests did (exit code {code}).")
         return 1
@@ -23,29 +23,23 @@ def run(prefix, command, **variables):
 
 
 def run_twice(prefix, command):
-    for stage in ("before", "after"):
-        code = run(prefix, command, KOR_TEST_STAGE=stage)
-        if code != 0:
-            return code
-        prefix.server("-k")
-        prefix.server("-w")
-        prefix.server(f"-p{SERVER_SECONDS}")
-    return 0
+    prefix.environment["KOR_TEST_STAGE"] = "before"
+    code = run(prefix, command)
+    for option in ("-k", "-w", f"-p{SERVER_SECONDS}"):
+        prefix.server(option)
+    prefix.environment["KOR_TEST_STAGE"] = "after"
+    return code or run(prefix, command)
 
 
 def main(command):
-    restart = command[0] == "--restart"
-    if restart:
-        del command[0]
     end_on_signals()
-    with contextlib.ExitStack() as cleanup:
-        # A test program refuses to start without the variable: it deletes keys and folders.
-        prefix = throw_away(Path(command[0]).stem, KOR_TEST_SANDBOX="1")
-        cleanup.callback(prefix.remove)
-        if not os.environ.get("DISPLAY"):
-            display = Display("1600x1200")
-            cleanup.callback(display.close)
-            prefix.environment["DISPLAY"] = display.name
+    with contextlib.ExitStack() as stack:
+        display = os.environ.get("DISPLAY") or stack.enter_context(private_display("1600x1200"))
+        restart = command[0] == "--restart"
+        command = command[restart:]
+        # A test program refuses to start without the sandbox: it deletes keys and folders.
+        prefix = stack.enter_context(
+            throw_away(Path(command[0]).stem, DISPLAY=display, KOR_TEST_SANDBOX="1"))
         return (run_twice if restart else run)(prefix, command)
 
 

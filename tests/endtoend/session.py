@@ -1,10 +1,11 @@
 """A display and a throw-away Wine prefix of a test's own, and the real launcher in them."""
+import contextlib
 import sys
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "wine"))
 from sandbox.controlcenter import PATIENCE, TITLE, ControlCenter, wait_for  # noqa: E402, F401
-from sandbox.display import Display  # noqa: E402
+from sandbox.display import private_display  # noqa: E402
 from sandbox.installation import install  # noqa: E402
 from sandbox.places import BUILD, DEMO, ROOT  # noqa: E402, F401
 from sandbox.prefix import throw_away  # noqa: E402
@@ -12,26 +13,15 @@ from sandbox.prefix import throw_away  # noqa: E402
 
 class Session(ControlCenter):
     def __init__(self, name, dpi, installation):
-        self.display = Display("1600x1800")
-        try:
-            super().__init__(throw_away(f"endtoend-{name}", DISPLAY=self.display.name, KOR_STUB_QUIET="1"))
-        except BaseException:
-            self.display.close()
-            raise
-        self.drive = self.prefix.drive
-        self.import_registry = self.prefix.import_registry
-        try:
+        with contextlib.ExitStack() as stack:
+            display = stack.enter_context(private_display("1600x1800"))
+            super().__init__(stack.enter_context(
+                throw_away(f"endtoend-{name}", DISPLAY=display, KOR_STUB_QUIET="1")))
+            stack.callback(self.kill)
+            self.drive = self.prefix.drive
+            self.import_registry = self.prefix.import_registry
             install(self.prefix, installation, dpi)
-        except BaseException:
-            self.close()
-            raise
-
-    def close(self):
-        if self.launcher and self.launcher.poll() is None:
-            self.launcher.kill()
-            self.launcher.wait()
-        self.prefix.remove()
-        self.display.close()
+            self.close = stack.pop_all().close
 
     def metrics(self):
         lines = self.prefix.run(BUILD / "release/tests/endtoend/metrics.exe").decode().splitlines()

@@ -99,9 +99,10 @@ class ControlCenter:
         self.press_alt_f4()
         return self.launcher.wait(patience)
 
-    def terminate(self):
-        if self.launcher and self.launcher.poll() is None:
-            self.launcher.terminate()
+    def kill(self):
+        if self.launcher:
+            self.launcher.kill()
+            self.launcher.wait()
 
     def xdotool(self, *arguments):
         return self.tool("xdotool", *map(str, arguments), check=False,

@@ -1,23 +1,24 @@
 """Puts an installation of the library into a Wine prefix: files from a list, registry data, the
 viewers of documents, the class that shows HTML."""
-import os
-import shutil
+from pathlib import Path
 
 from .places import DEMO, HTML_DOCUMENT, STUB
 
 HTML_CLASS = r"HKEY_LOCAL_MACHINE\Software\Classes\CLSID\{25336920-03F9-11CF-8FD0-00AA00686F13}"
 
 
-def install(prefix, name, dpi, *registry, managed=False, gecko=False):
-    """The viewers, the demonstration installation of that name if it is not None, and registry
-    data. managed leaves the windows to the desktop's window manager, gecko the HTML class as Wine
-    has it."""
-    registry = [DEMO / "viewers.reg", *registry, settings(dpi, managed, gecko)]
+def install(prefix, name, dpi, registry=None, managed=False, gecko=False):
+    """The viewers, the demonstration installation of that name, and a file with registry data; None
+    leaves one out. managed leaves the windows to the desktop's window manager, gecko the HTML class
+    as Wine has it."""
+    data = [DEMO / "viewers.reg"]
     lay_files(prefix, DEMO / "viewers.txt")
     if name:
         lay_files(prefix, DEMO / name / "files.txt")
-        registry.insert(1, DEMO / name / "registry.reg")
-    prefix.import_registry(*registry)
+        data.append(DEMO / name / "registry.reg")
+    if registry:
+        data.append(Path(registry))
+    prefix.import_registry(*data, settings(dpi, managed, gecko))
 
 
 def lay_files(prefix, files):
@@ -35,20 +36,12 @@ def lay_files(prefix, files):
             target.parent.mkdir(parents=True, exist_ok=True)
             # What stands there may be a link to a file that other prefixes share.
             target.unlink(missing_ok=True)
-            if kind == "file":
-                target.write_text(f"Part of the demonstration installation: {path}\n",
-                                  encoding="utf-8")
+            if kind == "program":
+                target.symlink_to(STUB)
             else:
-                link_or_copy(STUB, target)
+                target.write_text(f"Part of the demonstration installation: {path}\n", "utf-8")
         elif kind and not kind.startswith("#"):
             raise ValueError(f"{files}: unknown kind '{kind}' ({path})")
-
-
-def link_or_copy(source, target):
-    try:
-        os.link(source, target)
-    except OSError:
-        shutil.copy(source, target)
 
 
 def settings(dpi, managed, gecko):

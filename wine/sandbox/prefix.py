@@ -1,4 +1,5 @@
 """A Wine prefix: what it is made from, its registry, and the programs that run in it."""
+import contextlib
 import fcntl
 import os
 import shutil
@@ -22,6 +23,8 @@ class Prefix:
         self.drive = path / "drive_c"
         self.environment = {
             **os.environ, "WINEPREFIX": str(path), "HOME": str(HOME), "WINEARCH": "win64",
+            # Where the user's X server is told who may use it, unless it is said.
+            "XAUTHORITY": os.environ.get("XAUTHORITY") or str(Path.home() / ".Xauthority"),
             # The hint about the missing 32-bit part is of no use here.
             "WINEDEBUG": os.environ.get("WINEDEBUG") or "-all",
             # winemenubuilder would write into the desktop's menus.
@@ -33,16 +36,10 @@ class Prefix:
         """Makes the prefix anew, a copy of the template; files that nobody writes to are links."""
         make_template()
         shutil.rmtree(self.path, ignore_errors=True)
-        self.path.mkdir(parents=True)
-        subprocess.run(["cp", "-as", f"{TEMPLATE}/.", self.path], check=True)
-        (self.path / TEMPLATE_READY.name).unlink()
-        for file in (*TEMPLATE.glob("*.reg"), TEMPLATE / ".update-timestamp"):
-            copy = self.path / file.name
-            copy.unlink()
-            shutil.copy(file, copy)
+        subprocess.run(["cp", "-as", TEMPLATE, self.path], check=True)
         # The drives are links already; links to them would lead into the template.
-        shutil.rmtree(self.path / "dosdevices")
-        shutil.copytree(TEMPLATE / "dosdevices", self.path / "dosdevices", symlinks=True)
+        copied = *TEMPLATE.glob("*.reg"), TEMPLATE / ".update-timestamp", TEMPLATE / "dosdevices"
+        subprocess.run(["cp", "-a", "--remove-destination", *copied, self.path], check=True)
 
     def start(self, *command, **options):
         """A program under Wine, with subprocess's options."""
@@ -54,8 +51,8 @@ class Prefix:
                               stdout=subprocess.PIPE, **options).stdout
 
     def server(self, *options, **more):
-        return subprocess.run([WINESERVER, *options], env=self.environment, check=False,
-                              stderr=subprocess.DEVNULL, **more).returncode
+        subprocess.run([WINESERVER, *options], env=self.environment, check=False,
+                       stderr=subprocess.DEVNULL, **more)
 
     def import_registry(self, *items):
         """Files with registry data, or their text below the first line; one start of the registry
@@ -65,24 +62,20 @@ class Prefix:
         self.run("regedit", "/S", file, stderr=subprocess.DEVNULL)
         file.unlink()
 
-    def remove(self):
-        """Ends what runs in it."""
-        self.server("-k")
-        shutil.rmtree(self.path, ignore_errors=True)
 
-
+@contextlib.contextmanager
 def throw_away(name, **variables):
-    """A new prefix for one test, whose server stays while the test runs. The caller removes it."""
+    """A prefix whose server stays; both go with the context."""
     folder = BUILD / "test-prefixes"
     folder.mkdir(parents=True, exist_ok=True)
     prefix = Prefix(Path(tempfile.mkdtemp(prefix=name + "-", dir=folder)), **variables)
     try:
         prefix.copy_template()
         prefix.server(f"-p{SERVER_SECONDS}")
-    except BaseException:
-        prefix.remove()
-        raise
-    return prefix
+        yield prefix
+    finally:
+        prefix.server("-k")
+        shutil.rmtree(prefix.path, ignore_errors=True)
 
 
 def make_template():

@@ -1,4 +1,5 @@
 """kordiag.exe in a throw-away Wine prefix."""
+import contextlib
 import json
 import subprocess
 import sys
@@ -15,28 +16,26 @@ class Prefix:
 
     def __init__(self, program, installation=None):
         self.program = program
-        self.prefix = throw_away("kordiag")
-        self.path = self.prefix.path
-        self.import_registry = self.prefix.import_registry
-        try:
+        with contextlib.ExitStack() as stack:
+            self.prefix = stack.enter_context(throw_away("kordiag"))
+            self.path = self.prefix.path
+            self.import_registry = self.prefix.import_registry
             if installation:
                 lay_files(self.prefix, DEMO / installation / "files.txt")
                 self.import_registry(DEMO / installation / "registry.reg")
-        except BaseException:
-            self.prefix.remove()
-            raise
-        # Without a desktop that stays, each program that asks for the screen makes one: 1.2 s.
-        self.desktop = self.start("/desktop", program="explorer.exe", stdout=subprocess.DEVNULL,
-                                  stderr=subprocess.DEVNULL)
+            # Without a desktop that stays, each program that asks for the screen makes one: 1.2 s.
+            self.desktop = self.prefix.start("explorer.exe", "/desktop", stdout=subprocess.DEVNULL,
+                                             stderr=subprocess.DEVNULL)
+            self.stack = stack.pop_all()
 
     def close(self):
-        self.prefix.remove()
+        self.stack.close()
         self.desktop.wait(timeout=30)
 
-    def start(self, *arguments, program=None, variables=None, **options):
-        environment = {**self.prefix.environment, **(variables or {})}
+    def start(self, *arguments, variables=None, **options):
         options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
-        return self.prefix.start(program or self.program, *arguments, env=environment, **options)
+        return self.prefix.start(self.program, *arguments, **options,
+                                 env={**self.prefix.environment, **(variables or {})})
 
     def run(self, *arguments, **options):
         """Exit code, standard output and standard error, as bytes."""

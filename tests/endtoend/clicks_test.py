@@ -27,11 +27,22 @@ def topic(text):
     return f'"C:\\windows\\hh.exe" {text}'
 
 
+def plain(path):
+    return re.sub(r"[\\/]+", r"\\", path)
+
+
 def opened(path):
     """A document or a folder: in these prefixes the demonstration's viewer opens both. The shell gives it
     the path in one form, whatever slashes it was asked with."""
-    plain = re.sub(r"[\\/]+", r"\\", path)
-    return f'"C:\\windows\\kordemoviewer.exe" "{plain}"'
+    return f'"C:\\windows\\kordemoviewer.exe" "{plain(path)}"'
+
+
+def in_plain_form(command_line):
+    """The same program as Wine 10 starts it: it brings the path into the one form first, a backslash for
+    each slash and for several in a row. Wine 8 takes the path as it was given. The arguments stay as they
+    are under both."""
+    path, quote, arguments = command_line[1:].partition('"')
+    return '"' + plain(path) + quote + arguments
 
 
 # What each link starts: the item's id and the whole command line that the program gets. A program's
@@ -115,7 +126,9 @@ class Links(EndToEnd):
         session.refresh()
         session.import_registry(Path(__file__).with_name("folders.reg"))
         before = None
-        for item, command_line in LINKS:
+        # One of the two must hold for all links: no Wine changes some paths and leaves others.
+        readings = [LINKS, [(item, in_plain_form(command_line)) for item, command_line in LINKS]]
+        for position, (item, _) in enumerate(LINKS):
             with self.subTest(item):
                 self.assertEqual(self.look(item), (BLUE, ""))
                 session.point_at(item)
@@ -125,7 +138,9 @@ class Links(EndToEnd):
                     self.assertEqual(self.look(before), (BLUE, "hand"))
                 lines = len(session.log())
                 session.xdotool("click", 1)
-                self.assertEqual(wait_for(lambda: session.log()[lines:], f"what {item} starts"), [command_line])
+                started = wait_for(lambda: session.log()[lines:], f"what {item} starts")
+                self.assertIn(started, [[links[position][1]] for links in readings])
+                readings = [links for links in readings if started == [links[position][1]]]
             before = item
         session.point_at_heading()
         session.wait_for_page(lambda page: self.look(before, page) == (BLUE, "hand"), f"{before} left alone")

@@ -41,12 +41,13 @@ kor_seconds_since() {
     printf '%d.%d s\n' $((tenths / 10)) $((tenths % 10))
 }
 
-# kor_build_preset PRESET [TARGET...]: configures once and builds.
+# kor_build_preset PRESET [TARGET...]: configures if need be and builds.
 kor_build_preset() {
     local preset=$1 targets=()
     shift
     [ $# -eq 0 ] || targets=(--target "$@")
-    if [ ! -e "$kor_root/build/$preset/build.ninja" ]; then
+    # Also after a change of the presets, of which the build itself does not learn.
+    if [ ! "$kor_root/build/$preset/build.ninja" -nt "$kor_root/CMakePresets.json" ]; then
         kor_step "Configuring the $preset build" cmake --preset "$preset" || return 1
     fi
     kor_step "Building ($preset)" cmake --build --preset "$preset" "${targets[@]}"

@@ -1,4 +1,4 @@
-# The Debian packages that ./run and ./test need, in one place, and how missing ones are installed.
+# The Debian packages that each script needs, in one place, and how missing ones are installed.
 # Source common.sh first.
 
 kor_run_packages=(
@@ -10,7 +10,11 @@ kor_package_packages=(
 )
 kor_test_packages=(
     "${kor_run_packages[@]}"
-    googletest lld clang-format-19 chromium
+    googletest lld chromium
+)
+kor_lint_packages=(
+    g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build python3
+    googletest clang-format-19 clang-tidy-19 shellcheck flake8
 )
 
 # kor_need PACKAGE...: installs those that are missing; asks apt only when one is.

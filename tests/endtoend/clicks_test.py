@@ -116,7 +116,7 @@ class Links(EndToEnd):
 
     def test_every_link(self):
         session = self.session
-        page = session.start()
+        session.start()
         session.wait_for_page(lambda page: page["contentHeight"] <= page["window"]["height"], "the whole page")
         self.assertEqual([box["id"] for box in session.page()["boxes"] if box["class"] == "item"],
                          [item for item, _ in LINKS])
@@ -165,11 +165,12 @@ class Links(EndToEnd):
 
     def explorer_of(self, folder):
         """The process of this prefix's explorer that shows the folder; None if there is none."""
+        ours = f"WINEPREFIX={self.session.prefix.path}".encode()
         for process in Path("/proc").glob("[0-9]*"):
             try:
                 command = (process / "cmdline").read_bytes().split(b"\0")
                 if command[0].endswith(b"explorer.exe") and folder.encode() in command and \
-                        f"WINEPREFIX={self.session.prefix.path}".encode() in (process / "environ").read_bytes().split(b"\0"):
+                        ours in (process / "environ").read_bytes().split(b"\0"):
                     return int(process.name)
             except (FileNotFoundError, ProcessLookupError):
                 continue  # it ended meanwhile

@@ -137,7 +137,8 @@ class Changes(RegistryCommands):
                 ("q", "qword", "18446744073709551615", ("qword", 2**64 - 1)),
                 ("qmin", "qword", "-9223372036854775808", ("qword", 2**63)),
                 ("s", "string", ODD[:-1], ("string", ODD[:-1])), ("empty", "string", "", ("string", "")),
-                ("e", "expand", "%TEMP%\\x", ("expand", "%TEMP%\\x")), ("b", "binary", "00 fF,a0", ("binary", "00ffa0")),
+                ("e", "expand", "%TEMP%\\x", ("expand", "%TEMP%\\x")),
+                ("b", "binary", "00 fF,a0", ("binary", "00ffa0")),
                 ("b0", "binary", "", ("binary", "")), ("", "string", "default", ("string", "default"))):
             self.assertEqual(self.succeed("set", USER, name, kind, data), "")
             self.assertEqual(self.values(USER)[name], stored)
@@ -160,7 +161,8 @@ class Changes(RegistryCommands):
 
     def test_the_writable_root_rule(self):
         self.prefix.import_registry(f"[{MACHINE}]\n")
-        rule = "refused by the writable-root rule: values are written only below {} unless --anywhere is given; this is {}"
+        rule = ("refused by the writable-root rule: values are written only below {} unless --anywhere is given; "
+                "this is {}")
         self.refuse(rule.format("HKEY_CURRENT_USER", MACHINE), "set", MACHINE, "n", "dword", "1")
         self.refuse(rule.format("HKEY_LOCAL_MACHINE in the RTX layout", r"HKEY_USERS\.Default"),
                     "set", r"HKEY_USERS\.Default", "n", "dword", "1", "--rtx")
@@ -306,7 +308,8 @@ class Locks(RegistryCommands):
 
     def test_the_commands_arguments_arrive(self):
         for name in ("a b", 'q"x"', "back\\", 'both\\"', 'two\\\\"x', "", "--json", "\u00e9\u8996"):
-            code, out, _ = self.prefix.run("registry", "lock", VOLATILE, "--create", "--", PROGRAM, "setting", "--", name)
+            code, out, _ = self.prefix.run(
+                "registry", "lock", VOLATILE, "--create", "--", PROGRAM, "setting", "--", name)
             self.assertEqual((code, out.decode().splitlines()[0] if code else out), (1, name + " is not set"))
 
     def test_the_second_waits_for_the_first(self):

@@ -21,6 +21,9 @@ bool Advance(FileFinder& finder) {
 }
 
 bool DeleteEntry(const FileFinder& finder, const wchar_t* path, bool clearAttributes) {
+    if (finder.IsDirectoryLink()) {
+        return RemoveDirectoryW(path) != FALSE;
+    }
     if (finder.IsDirectory()) {
         // Intended: in subdirectories read-only files stay, whatever the mode.
         const bool isDeleted = DeleteDirectory(path);

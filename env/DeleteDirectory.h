@@ -6,8 +6,9 @@
 // directory whose path has more than 257, or a file with more than 259, makes the deletion fail
 // (ERROR_FILENAME_EXCED_RANGE), and so bounds the depth of the recursion. A null or empty path
 // fails (ERROR_PATH_NOT_FOUND): it would stand for the root of the current drive.
-// An entry whose name holds ".." is never deleted, and so keeps its directory from being deleted. A
-// link to a directory is emptied like a directory.
+// An entry whose name holds ".." is never deleted, and so keeps its directory from being deleted.
+// An entry that is a link to a directory (a junction or a symbolic link) is removed itself; what it
+// leads to is not touched. The path that is given is emptied, link or not.
 
 // Fails on a read-only file.
 bool DeleteDirectory(const wchar_t* path);

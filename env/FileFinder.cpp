@@ -26,8 +26,9 @@ std::int64_t SecondsSince1970(const FILETIME& time) {
 } // namespace
 
 bool FileFinder::FindFirst(const wchar_t* pattern) {
+    const CKORString given(pattern);
     Close();
-    CKORString searched(pattern);
+    CKORString searched(given);
     std::int64_t length = searched.Length();
     // A slash at the end is left to the system: only backslashes are taken off.
     while (length > 0 && searched[length - 1] == L'\\') {
@@ -40,7 +41,7 @@ bool FileFinder::FindFirst(const wchar_t* pattern) {
         return false;
     }
     m_search = search;
-    if (!KeepDirectoryPrefix(pattern) || !BuildFullPath()) {
+    if (!KeepDirectoryPrefix(given.Text()) || !BuildFullPath()) {
         Close();
         return false;
     }
@@ -69,6 +70,11 @@ void FileFinder::Close() {
 
 std::uint64_t FileFinder::Size() const {
     return Combine(m_data.nFileSizeHigh, m_data.nFileSizeLow);
+}
+
+bool FileFinder::IsDirectoryLink() const {
+    // The system gives the reparse point's tag in the first reserved field.
+    return IsDirectory() && IsReparsePoint() && IsReparseTagNameSurrogate(m_data.dwReserved0);
 }
 
 std::int64_t FileFinder::CreationTime() const {

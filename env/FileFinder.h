@@ -17,7 +17,8 @@ public:
     ~FileFinder() { Close(); }
 
     // Starts a new search and stands on its first entry. Backslashes at the pattern's end are not
-    // part of what is searched for, but they stay in the directory prefix.
+    // part of what is searched for, but they stay in the directory prefix. The pattern may be one
+    // of this object's own texts.
     bool FindFirst(const wchar_t* pattern);
 
     // Goes to the next entry. ERROR_NO_MORE_FILES is the regular end.
@@ -38,6 +39,9 @@ public:
     bool IsReadOnly() const { return HasAttribute(FILE_ATTRIBUTE_READONLY); }
     bool IsHidden() const { return HasAttribute(FILE_ATTRIBUTE_HIDDEN); }
     bool IsReparsePoint() const { return HasAttribute(FILE_ATTRIBUTE_REPARSE_POINT); }
+    // Whether the entry is a directory that stands for another one: a junction or a symbolic link.
+    // Directories with a reparse point of another kind, such as those kept in a cloud, are not.
+    bool IsDirectoryLink() const;
 
     // Seconds since 1970-01-01 UTC, negative before.
     std::int64_t CreationTime() const;

@@ -274,6 +274,115 @@ TEST(DeleteDirectory, ASubdirectoryThatIsTooLongIsNotEntered) {
     EXPECT_TRUE(Exists(file));
 }
 
+// --- Links to directories. Their find data is made up: Wine makes no junctions. ---
+
+// While it lives, searches report the entries of this name with these attributes and this tag.
+class MarkedEntry {
+public:
+    MarkedEntry(const wchar_t* name, DWORD attributes, DWORD tag)
+        : m_name(name), m_attributes(attributes), m_tag(tag) {}
+
+private:
+    std::wstring m_name;
+    DWORD m_attributes;
+    DWORD m_tag;
+    test::ImportHook<struct MarkedTag, decltype(&FindNextFileW)> m_findNext{
+        "FindNextFileW", [this](HANDLE search, LPWIN32_FIND_DATAW data) -> BOOL {
+            const BOOL found = m_findNext.Original(search, data);
+            if (found != FALSE && m_name == data->cFileName) {
+                data->dwFileAttributes = m_attributes;
+                data->dwReserved0 = m_tag;
+            }
+            return found;
+        }};
+};
+
+constexpr DWORD Link = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+constexpr DWORD LinkTags[] = {IO_REPARSE_TAG_MOUNT_POINT, IO_REPARSE_TAG_SYMLINK};
+
+TEST(DeleteDirectory, ALinkToADirectoryIsRemovedAndNotEntered) {
+    for (const DWORD tag : LinkTags) {
+        for (const int mode : {0, 1}) {
+            const TempFolder folder;
+            const std::wstring top = folder.MakeFolder(L"top");
+            folder.MakeFolder(L"top\\link");
+            folder.MakeFile(L"top\\z");
+            const FileCalls calls;
+            const MarkedEntry marked(L"link", Link, tag);
+            EXPECT_TRUE(DeleteForced(top, mode).isDeleted);
+            const std::wstring cleared = mode == 1 ? L"SetFileAttributes ~\\z\n" : L"";
+            EXPECT_EQ(calls.Listed(top),
+                      L"FindFirst ~\\*\nFindNext ..\nFindNext link\nRemoveDirectory ~\\link\n"
+                      L"FindNext z\n" +
+                          cleared +
+                          L"DeleteFile ~\\z\nFindNext -\nFindClose \nRemoveDirectory ~\n");
+        }
+    }
+}
+
+// What it leads to is not the tree's, one level down as at the top.
+TEST(DeleteDirectory, ALinkThatCannotBeRemovedEndsTheDeletion) {
+    for (const std::wstring parent : {L"top", L"top\\m"}) {
+        const TempFolder folder;
+        const std::wstring top = folder.MakeFolder(L"top");
+        if (parent != L"top") {
+            folder.MakeFolder(parent);
+        }
+        const std::wstring link = folder.MakeFolder(parent + L"\\link");
+        const std::wstring inside = folder.MakeFile(parent + L"\\link\\inside");
+        const std::wstring behind = folder.MakeFile(parent + L"\\z");
+        const FileCalls calls;
+        const MarkedEntry marked(L"link", Link, IO_REPARSE_TAG_MOUNT_POINT);
+        for (const Outcome& outcome : {Delete(top), DeleteForced(top, 1)}) {
+            EXPECT_FALSE(outcome.isDeleted);
+            EXPECT_EQ(outcome.error, DWORD{ERROR_DIR_NOT_EMPTY});
+            EXPECT_TRUE(Exists(inside));
+            EXPECT_TRUE(Exists(behind));
+        }
+        EXPECT_TRUE(calls.IsBalanced());
+    }
+}
+
+TEST(DeleteDirectory, OnlyLinksAreNotEntered) {
+    struct {
+        DWORD attributes;
+        DWORD tag;
+    } const cases[] = {
+        // A directory that is kept in a cloud, and one whose field for the tag means nothing.
+        {Link, 0x9000001A},
+        {FILE_ATTRIBUTE_DIRECTORY, IO_REPARSE_TAG_MOUNT_POINT},
+    };
+    for (const auto& c : cases) {
+        const TempFolder folder;
+        const std::wstring top = folder.MakeFolder(L"top");
+        folder.MakeFolder(L"top\\m");
+        folder.MakeFile(L"top\\m\\inside");
+        const MarkedEntry marked(L"m", c.attributes, c.tag);
+        EXPECT_TRUE(Delete(top).isDeleted) << c.tag;
+        EXPECT_FALSE(Exists(top));
+    }
+}
+
+TEST(DeleteDirectory, ALinkToAFileIsDeletedLikeAFile) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    folder.MakeFile(L"top\\link");
+    const MarkedEntry marked(L"link", FILE_ATTRIBUTE_REPARSE_POINT, IO_REPARSE_TAG_SYMLINK);
+    EXPECT_TRUE(Delete(top).isDeleted);
+    EXPECT_FALSE(Exists(top));
+}
+
+TEST(DeleteDirectory, AHiddenSystemFolderIsAFolder) {
+    const TempFolder folder;
+    const std::wstring top = folder.MakeFolder(L"top");
+    folder.MakeFolder(L"top\\m");
+    folder.MakeFile(L"top\\m\\inside");
+    const MarkedEntry marked(
+        L"m", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM, 0);
+    EXPECT_TRUE(Delete(top).isDeleted);
+    EXPECT_FALSE(Exists(top));
+}
+
 // A level for every two characters: as deep as the recursion can go.
 TEST(DeleteDirectory, TheDeepestTreeIsDeleted) {
     const TempFolder folder;

@@ -34,6 +34,43 @@ TEST(FileFinderEntry, TellsTheAttributesApart) {
     }
 }
 
+TEST(FileFinderEntry, KnowsALinkToADirectoryByItsTag) {
+    constexpr DWORD Reparse = FILE_ATTRIBUTE_REPARSE_POINT;
+    constexpr DWORD Directory = FILE_ATTRIBUTE_DIRECTORY;
+    constexpr DWORD Cloud = 0x9000001A;
+    struct {
+        DWORD attributes;
+        DWORD tag;
+        bool isLink;
+    } const cases[] = {
+        {Directory | Reparse, IO_REPARSE_TAG_MOUNT_POINT, true},
+        {Directory | Reparse | FILE_ATTRIBUTE_HIDDEN, IO_REPARSE_TAG_SYMLINK, true},
+        // Any tag with the bit of a name surrogate.
+        {Directory | Reparse, 0x20000000, true},
+        {Directory | Reparse, Cloud, false},
+        {Directory | Reparse, 0, false},
+        {Directory, IO_REPARSE_TAG_MOUNT_POINT, false},
+        {Reparse, IO_REPARSE_TAG_SYMLINK, false},
+    };
+    for (const auto& c : cases) {
+        WIN32_FIND_DATAW entry = Entry(L"n", c.attributes);
+        entry.dwReserved0 = c.tag;
+        StagedSearch search({entry});
+        FileFinder finder;
+        ASSERT_TRUE(finder.FindFirst(L"*"));
+        EXPECT_EQ(finder.IsDirectoryLink(), c.isLink) << c.attributes << " " << c.tag;
+    }
+}
+
+TEST(FileFinderEntry, AHiddenSystemFolderIsAFolder) {
+    StagedSearch search(
+        {Entry(L"n", FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)});
+    FileFinder finder;
+    ASSERT_TRUE(finder.FindFirst(L"*"));
+    EXPECT_TRUE(finder.IsDirectory());
+    EXPECT_TRUE(finder.IsHidden());
+}
+
 TEST(FileFinderEntry, GivesARealFilesSizeAndAttributes) {
     constexpr std::int64_t FiveGigabytes = 5'368'709'121;
     const TempFolder folder;

@@ -88,6 +88,28 @@ TEST(FileFinder, ASecondSearchClosesTheFirst) {
     EXPECT_TRUE(calls.IsBalanced());
 }
 
+TEST(FileFinder, ItsOwnTextsMayBeThePattern) {
+    using Text = const wchar_t* (FileFinder::*)() const;
+    struct {
+        Text text;
+        const wchar_t* searched;
+        const wchar_t* prefix;
+    } const cases[] = {
+        {&FileFinder::FullPath, L"C:\\a\\name", L"C:\\a\\"},
+        {&FileFinder::Name, L"name", L""},
+        {&FileFinder::DirectoryPrefix, L"C:\\a", L"C:\\a\\"},
+    };
+    for (const auto& c : cases) {
+        StagedSearch search({Entry(L"name")});
+        FileFinder finder;
+        ASSERT_TRUE(finder.FindFirst(L"C:\\a\\*"));
+        EXPECT_TRUE(finder.FindFirst((finder.*c.text)()));
+        EXPECT_EQ(search.Pattern(), c.searched);
+        EXPECT_STREQ(finder.DirectoryPrefix(), c.prefix);
+        EXPECT_EQ(finder.FullPath(), c.prefix + std::wstring(L"name"));
+    }
+}
+
 TEST(FileFinder, ClosesOnceAndKeepsTheLastError) {
     StagedSearch search({Entry(L"a")});
     {
@@ -112,6 +134,8 @@ TEST(FileFinder, SplitsThePatternIntoSearchAndPrefix) {
     } const cases[] = {
         {L"C:\\a\\b\\*.txt", L"C:\\a\\b\\*.txt", L"C:\\a\\b\\"},
         {L"C:\\*", L"C:\\*", L"C:\\"},
+        // The root of a drive is searched for without its backslash.
+        {L"C:\\", L"C:", L"C:\\"},
         {L"C:*.txt", L"C:*.txt", L"C:"},
         {L"*.txt", L"*.txt", L""},
         {L"name", L"name", L""},

@@ -100,7 +100,9 @@ bool ReadDebugSetting(const wchar_t* name, CKORString& result, bool asNumber, St
     const wchar_t* valueName = name;
     if (const wchar_t* const separator = std::wcsrchr(name, L'\\'); separator != nullptr) {
         valueName = separator + 1;
-        AppendPathPiece(keyPath, CKORString(name).Left(separator - name));
+        if (separator != name) {
+            AppendPathPiece(keyPath, CKORString(name).Left(separator - name));
+        }
     }
     return std::any_of(
         std::begin(RootsInOrder), std::end(RootsInOrder), [&](const DebugRoot& root) {

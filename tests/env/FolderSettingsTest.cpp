@@ -250,6 +250,28 @@ TEST_F(ChangingVariable, WithoutAChangeTheLookUpIsTwoCalls) {
     EXPECT_EQ(Calls(), 2);
 }
 
+TEST_F(FolderSettings, AVariableIsMeasuredAndThenFetched) {
+    struct Call {
+        std::wstring name;
+        bool hasBuffer;
+        DWORD size;
+
+        bool operator==(const Call& other) const {
+            return name == other.name && hasBuffer == other.hasBuffer && size == other.size;
+        }
+    };
+    SetEnvironmentVariableW(L"KOR_TEST", L"text");
+    std::vector<Call> calls;
+    HOOK_IMPORT(variable, GetEnvironmentVariableW,
+                [&](LPCWSTR name, LPWSTR buffer, DWORD size) -> DWORD {
+                    calls.push_back({name, buffer != nullptr, size});
+                    return variable.Original(name, buffer, size);
+                });
+    ExpectAnswer(L"KOR_TEST", L"text");
+    EXPECT_TRUE(calls == (std::vector<Call>{{L"KOR_TEST", false, 0}, {L"KOR_TEST", true, 5}}));
+    SetEnvironmentVariableW(L"KOR_TEST", nullptr);
+}
+
 TEST_F(ChangingVariable, AShorterTextIsTakenAsItIs) {
     for (const wchar_t* const shorter : {L"", L"a", L"abcd"}) {
         ChangeAtEachCall({L"abcde", shorter});
@@ -322,6 +344,24 @@ TEST_F(FolderSettings, DebugSettingsMayLieInASubKey) {
         m_sandbox.SetIn(HKEY_CURRENT_USER, c.subKey, c.value, L"user");
         EXPECT_TRUE(ReadDebugSetting(c.name, result, false));
         EXPECT_EQ(result, L"user");
+    }
+}
+
+TEST_F(FolderSettings, TheSubKeysOfDebugSettingsAreJoinedWithOneBackslash) {
+    for (const DebugName& c : DebugNames) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.name)));
+        std::vector<std::wstring> opened;
+        HOOK_IMPORT(open, RegOpenKeyExW,
+                    [&](HKEY, LPCWSTR subKey, DWORD, REGSAM, PHKEY) -> LSTATUS {
+                        opened.emplace_back(subKey);
+                        return ERROR_FILE_NOT_FOUND;
+                    });
+        CKORString result;
+        EXPECT_FALSE(ReadDebugSetting(c.name, result, false));
+        const std::wstring expected =
+            L"Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\Settings\\Debug" +
+            std::wstring(c.subKey);
+        EXPECT_EQ(opened, (std::vector<std::wstring>{expected, expected}));
     }
 }
 

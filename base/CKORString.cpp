@@ -136,8 +136,11 @@ CKORString CKORString::Format(const wchar_t* format, ...) {
 }
 
 CKORString CKORString::Mid(std::int64_t start, std::int64_t count) const {
-    const std::int64_t length = count == -1 ? Length() - start : count;
+    const std::int64_t length = count == -1 ? m_count - 1 - start : count;
     CKORString result{WithoutStorage()};
+    if (length < 0) {
+        return result;
+    }
     result.SetSize(length + 1, false);
     // Up to the end: the copy ends at the first null.
     std::fill(result.m_data, result.m_data + length + 1, L'\0');

@@ -43,7 +43,8 @@ public:
     CKORString& FormatV(const wchar_t* format, va_list arguments);
     static CKORString Format(const wchar_t* format, ...);
 
-    // A count of -1 means to the end. Start and count must lie within the string.
+    // A count of -1 means to the end, which of a string without storage gives one without storage.
+    // Start and count must lie within the string.
     CKORString Mid(std::int64_t start, std::int64_t count = -1) const;
     CKORString Left(std::int64_t count) const;
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -117,7 +119,17 @@ TEST(CKORString, AStringWithoutStorageIsEmptyAndSoIsItsCopy) {
         EXPECT_STREQ(empty->Text(), L"");
     }
     EXPECT_EQ(copy.Split(CKORString(L";")).Count(), 0);
-    EXPECT_EQ(copy.Mid(0), L"");
+    // To the end of nothing there is not even a terminator, and nothing is copied: a buffer of no
+    // places would end the process.
+    const test::ImportHook<struct CopyTag,
+                           errno_t(WINAPI*)(wchar_t*, std::size_t, const wchar_t*, std::size_t)>
+        characters("wcsncpy_s", [](wchar_t*, std::size_t, const wchar_t*, std::size_t) -> errno_t {
+            ADD_FAILURE();
+            return EINVAL;
+        });
+    const CKORString mid = copy.Mid(0);
+    EXPECT_EQ(mid.Count(), 0);
+    EXPECT_EQ(mid.Data(), nullptr);
 }
 
 TEST(CKORString, AssigningTakesNullAndKeepsTheGrowthStep) {
@@ -212,7 +224,12 @@ TEST(CKORString, ConcatenatesStringsAndTexts) {
     EXPECT_EQ(a + L"c", L"ac");
     EXPECT_EQ(L"c" + a, L"ca");
     EXPECT_EQ(a, L"a");
+    const CKORString forty(FortyCharacters);
     EXPECT_EQ((a + b).Capacity(), 32) << "the left operand is copied";
+    EXPECT_EQ((a + L"c").Capacity(), 32);
+    EXPECT_EQ((forty + L"c").Capacity(), 64);
+    EXPECT_EQ((forty + a).Capacity(), 64);
+    EXPECT_EQ((L"c" + a).Capacity(), 3) << "a text is taken in its exact size";
 }
 
 TEST(CKORString, FormatsWithTheExactCount) {
@@ -354,6 +371,62 @@ TEST(CKORString, SplitReservesThePiecesThatBeginBeforeTheEnd) {
     EXPECT_EQ(CKORString(L"a;b;c").Split(CKORString(L";")).Capacity(), 3);
     EXPECT_EQ(CKORString(L"a;").Split(CKORString(L";")).Capacity(), 2)
         << "one place reserved, the empty last token grows the table by one";
+}
+
+TEST(CKORString, SplitTakesThePlacesThatItReservesAtOnce) {
+    struct {
+        const wchar_t* text;
+        std::vector<std::size_t> places;
+    } const cases[] = {
+        {L"a;b;c", {3}},
+        {L";;a", {3}},
+        {L"a;b;", {2, 3}},
+        {L";", {1, 2}},
+    };
+    const test::PlainMemory fromTheHeap;
+    for (const auto& c : cases) {
+        std::vector<std::size_t> places;
+        HOOK_IMPORT(allocate, malloc, [&](std::size_t bytes) {
+            // No token's text takes as much.
+            if (bytes % sizeof(CKORString) == 0) {
+                places.push_back(bytes / sizeof(CKORString));
+            }
+            return allocate.Original(bytes);
+        });
+        const CKORString text(c.text);
+        const CKORString delimiters(L";");
+        places.reserve(10);
+        places.clear();
+        const CTable1D<CKORString> tokens = text.Split(delimiters);
+        EXPECT_EQ(places, c.places) << testing::PrintToString(std::wstring(c.text));
+    }
+}
+
+// Behind the table's own fields: the buffer, then the object, which goes first.
+TEST(CKORString, TheAuxiliaryFieldsHaveTheirOrderAndGoWithTheString) {
+    class Noted : public CKORStringAuxiliary {
+    public:
+        explicit Noted(std::int64_t& blocksAtItsEnd) : m_blocks(blocksAtItsEnd) {}
+        Noted(const Noted&) = delete;
+        Noted& operator=(const Noted&) = delete;
+        ~Noted() override { m_blocks = test::LiveBlocks(); }
+
+    private:
+        std::int64_t& m_blocks;
+    };
+    static_assert(sizeof(CKORString) == sizeof(CTable1D<wchar_t>) + 2 * sizeof(void*));
+    const std::int64_t before = test::LiveBlocks();
+    std::int64_t blocksAtItsEnd = 0;
+    {
+        CKORString text(L"abc");
+        const unsigned char* const buffer = new unsigned char[5];
+        const CKORStringAuxiliary* const object = new Noted(blocksAtItsEnd);
+        char* const fields = reinterpret_cast<char*>(&text) + sizeof(CTable1D<wchar_t>);
+        std::memcpy(fields, &buffer, sizeof buffer);
+        std::memcpy(fields + sizeof buffer, &object, sizeof object);
+    }
+    EXPECT_EQ(blocksAtItsEnd, before + 3) << "the object, the buffer and the text";
+    EXPECT_EQ(test::LiveBlocks(), before);
 }
 
 TEST(CKORString, AMovedStringIsLeftWithoutStorageAndUsable) {

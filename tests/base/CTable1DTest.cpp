@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <string>
+#include <thread>
 
 #include "base/CKORString.h"
 #include "tests/support/GuardedMemory.h"
@@ -53,6 +56,51 @@ TEST(CTable1D, CapacityIsRoundedUpToTheGrowthStep) {
     EXPECT_EQ(table.Count(), 9);
     EXPECT_EQ(table.Capacity(), 16);
     EXPECT_EQ(table.GrowBy, 8) << "a factor of 1 keeps the step";
+}
+
+TEST(CTable1D, AnAppendThatJustFitsDoesNotGrow) {
+    Table table;
+    table.SetSize(3, true);
+    table.RemoveLast();
+    table.GrowBy = 8;
+    table.GrowthFactor = 2;
+    const std::int64_t* const storage = table.Data();
+    table.Add(7);
+    EXPECT_EQ(table.Count(), 3);
+    EXPECT_EQ(table.Capacity(), 3);
+    EXPECT_EQ(table.Data(), storage);
+    EXPECT_EQ(table.GrowBy, 8);
+    table.Add(8);
+    EXPECT_EQ(table.Capacity(), 8);
+}
+
+// The library's other parts may be compiled apart and take such objects as they lie in memory.
+TEST(CTable1D, FieldsAndVirtualFunctionsHaveTheirOrder) {
+    Table table;
+    table.SetSize(3, true);
+    table.RemoveLast();
+    table.GrowBy = 4;
+    table.InitialGrowBy = 5;
+    table.GrowthFactor = 6;
+    std::int64_t words[7];
+    static_assert(sizeof table == sizeof words);
+    std::memcpy(words, reinterpret_cast<const char*>(&table), sizeof words);
+    const std::int64_t* data = nullptr;
+    std::memcpy(&data, &words[1], sizeof data);
+    EXPECT_EQ(data, table.Data());
+    EXPECT_EQ(words[2], 2) << "the count";
+    EXPECT_EQ(words[3], 3) << "the capacity";
+    EXPECT_EQ(words[4], 4) << "the step";
+    EXPECT_EQ(words[5], 5) << "the initial step";
+    EXPECT_EQ(words[6], 6) << "the factor";
+
+    // A pointer to a virtual function holds 1 plus the distance of its slot from the first one;
+    // the destructor takes two slots.
+    void (CTable1D<std::int64_t>::* const setSize)(std::int64_t, bool) =
+        &CTable1D<std::int64_t>::SetSize;
+    std::size_t distance = 0;
+    std::memcpy(&distance, &setSize, sizeof distance);
+    EXPECT_EQ(distance, 1 + 2 * sizeof(void*));
 }
 
 TEST(CTable1D, TheFactorMultipliesTheStepAfterAGrowthPastIt) {
@@ -281,6 +329,30 @@ TEST(CTable1DDeathTest, ARefusedAllocationEndsTheProcess) {
             table.Add(1);
             const test::AllocationFailure failure(1);
             table.Add(2);
+        },
+        testing::ExitedWithCode(1), FatalReport);
+}
+
+TEST(CTable1DDeathTest, NothingIsCleanedUpAtThatEnd) {
+    EXPECT_EXIT(
+        {
+            PrintFatalReport();
+            std::atexit([] { std::_Exit(77); });
+            Table table;
+            const test::AllocationFailure failure(1);
+            table.Add(1);
+        },
+        testing::ExitedWithCode(1), FatalReport);
+}
+
+TEST(CTable1DDeathTest, AnotherThreadsTableEndsTheProcessToo) {
+    EXPECT_EXIT(
+        {
+            PrintFatalReport();
+            std::thread([] {
+                Table table;
+                table.SetSize(std::numeric_limits<std::int64_t>::max(), true);
+            }).join();
         },
         testing::ExitedWithCode(1), FatalReport);
 }

@@ -6,6 +6,7 @@
 #include <wtsapi32.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/support/ImportHook.h"
@@ -22,6 +23,9 @@ struct Case {
 
 constexpr Case Cases[] = {
     {"an ordinary process", TRUE, 1, 1, false},
+    {"a user who is not at the console", TRUE, 2, 1, false},
+    {"a user, no console attached", TRUE, 1, 0xFFFFFFFF, false},
+    {"a user, console in session 0", TRUE, 1, 0, false},
     {"a service, user at the console", TRUE, 0, 1, true},
     {"a service, no console attached", TRUE, 0, 0xFFFFFFFF, true},
     {"a service, console in session 0", TRUE, 0, 0, false},
@@ -87,6 +91,30 @@ TEST(FatalReport, AMessageThatCouldNotBeSentCountsAsAnsweredWithOk) {
                 [](HANDLE, DWORD, LPWSTR, DWORD, LPWSTR, DWORD, DWORD, DWORD, DWORD*,
                    WINBOOL) -> WINBOOL { return FALSE; });
     EXPECT_EQ(ReportFatalError(L"m", L"c", 0), IDOK);
+}
+
+TEST(FatalReport, AnyThreadMayReport) {
+    std::vector<DWORD> threads;
+    HOOK_IMPORT(session, ProcessIdToSessionId, [](DWORD, DWORD* id) -> BOOL {
+        *id = 1;
+        return TRUE;
+    });
+    HOOK_IMPORT(box, MessageBoxW, [&](HWND owner, LPCWSTR message, LPCWSTR caption, UINT style) {
+        threads.push_back(GetCurrentThreadId());
+        EXPECT_EQ(owner, nullptr);
+        EXPECT_EQ(std::wstring(message) + caption, L"mc");
+        EXPECT_EQ(style, DWORD{MB_RETRYCANCEL});
+        return IDRETRY;
+    });
+    int answer = 0;
+    DWORD reporter = 0;
+    std::thread([&] {
+        reporter = GetCurrentThreadId();
+        answer = ReportFatalError(L"m", L"c", MB_RETRYCANCEL);
+    }).join();
+    EXPECT_EQ(threads, std::vector<DWORD>{reporter}) << "in the thread that reports";
+    EXPECT_EQ(answer, IDRETRY);
+    EXPECT_EQ(ReportFatalError(L"m", L"c", MB_RETRYCANCEL), IDRETRY);
 }
 
 // A real box, closed by a helper thread that presses its button.

@@ -27,9 +27,13 @@ void ChangeLength(CKORString& text, std::int64_t length, wchar_t pad) {
         text.RemoveLast();
         text[text.Length()] = L'\0';
     }
-    const wchar_t padText[] = {pad, L'\0'};
-    while (text.Length() < wanted && pad != L'\0') {
-        text += padText;
+    const std::int64_t missing = wanted - text.Length();
+    if (missing > 0) {
+        CKORString padding;
+        padding.SetSize(missing + 1, false);
+        std::fill_n(padding.Data(), missing, pad);
+        padding[missing] = L'\0';
+        text += padding.Text();
     }
 }
 

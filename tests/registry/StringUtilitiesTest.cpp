@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <string>
+
+#include "tests/support/GuardedMemory.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/Printing.h"
 
 namespace {
@@ -65,6 +70,32 @@ TEST(ChangeLength, CutsAndPads) {
     withoutStorage.SetSize(0, false);
     ChangeLength(withoutStorage, 2, L'z');
     EXPECT_EQ(withoutStorage, L"zz");
+}
+
+TEST(ChangeLength, PadsBehindAllThatIsThereAndByTheGrowthStep) {
+    CKORString exact(L"ab");
+    ChangeLength(exact, 40, L'-');
+    EXPECT_EQ(exact, (L"ab" + std::wstring(38, L'-')).c_str());
+    EXPECT_EQ(exact.Capacity(), 41);
+    CKORString inSteps;
+    ChangeLength(inSteps, 40, L'-');
+    EXPECT_EQ(inSteps, std::wstring(40, L'-').c_str());
+    EXPECT_EQ(inSteps.Capacity(), 64);
+    ChangeLength(inSteps, 50, L'\0');
+    EXPECT_EQ(inSteps.Length(), 40) << "a null is no character to fill up with";
+}
+
+TEST(ChangeLength, TakesAllTheMemoryForThePaddingAtOnce) {
+    CKORString text(L"a");
+    const test::PlainMemory fromTheHeap;
+    int allocations = 0;
+    HOOK_IMPORT(allocate, malloc, [&](std::size_t bytes) {
+        ++allocations;
+        return allocate.Original(bytes);
+    });
+    ChangeLength(text, 80'000, L' ');
+    EXPECT_LE(allocations, 4);
+    EXPECT_EQ(text.Length(), 80'000);
 }
 
 TEST(ContainsText, ComparesWithCase) {

@@ -65,7 +65,6 @@ bool CRegistryKey::Open(const CKORString& path, bool create) {
     Reset();
     const RealRoot* const root = FindRealRoot(rootName);
     if (!PrepareVolatile(split.rest, rootName, SymbolicRootId::None, create) || root == nullptr) {
-        Reset();
         return false;
     }
     m_root = HandleOf(root->hive);
@@ -77,7 +76,6 @@ bool CRegistryKey::OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bo
     CloseIfOpen();
     Reset();
     if (!PrepareVolatile(subPath, L"", id, create)) {
-        Reset();
         return false;
     }
     // Without a root the opening below fails.
@@ -98,7 +96,8 @@ bool CRegistryKey::OpenCurrentUserRuntime(const CKORString& subPath, bool create
     return OpenSymbolic(SymbolicRootId::CurrentUserRuntime, subPath, create);
 }
 
-// Sets VolatileClass; false when the path may not be opened.
+// Sets VolatileClass; false when the path may not be opened. The object is reset before, and is so
+// again after a refusal.
 bool CRegistryKey::PrepareVolatile(const CKORString& subPath, const wchar_t* rootName,
                                    SymbolicRootId id, bool create) {
     const VolatileKind kind = ClassifyVolatile(subPath, rootName, id, create, m_rtxLayout);

@@ -4,6 +4,7 @@
 
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
+#include "tests/support/GuardedMemory.h"
 
 namespace {
 
@@ -189,6 +190,18 @@ TEST_F(DueStamp, ACompanionThatCannotBeOpenedAgainStampsNothing) {
     EXPECT_FALSE(key.IsOpen());
     EXPECT_EQ(calls.CountOf("RegOpenKeyExW"), 2) << "the root and the key \"volatile\", no more";
     EXPECT_EQ(calls.CountOf("GetModuleFileNameW"), 0);
+}
+
+TEST_F(DueStamp, ACompanionThatIsClosedStays) {
+    CRegistryKey key;
+    {
+        const RefusedOpening refused(VolatileKey, RefusedOpening::AnyAccess);
+        ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
+    }
+    const CKORString name(L"first");
+    const std::int64_t blocks = test::LiveBlocks();
+    EXPECT_TRUE(key.WriteDword(name, 1U));
+    EXPECT_EQ(test::LiveBlocks(), blocks);
 }
 
 TEST_F(DueStamp, ACompanionThatMayNotBeWrittenOnceStampsTheRest) {

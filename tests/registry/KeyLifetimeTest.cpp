@@ -105,6 +105,35 @@ TEST_F(KeyLifetime, FlushCreatedFlushesOnce) {
     EXPECT_EQ(calls.Calls(), (Lines{"RegCloseKey(?)", "RegCloseKey(?)"})) << "Close never flushes";
 }
 
+TEST_F(KeyLifetime, AfterFlushCreatedTheEndFlushesNoMore) {
+    for (const bool isRefused : {false, true}) {
+        test::RegistryCalls calls;
+        {
+            CRegistryKey key(UserKey, true);
+            calls.FailCall(isRefused ? 1 : 0);
+            EXPECT_EQ(key.FlushCreated(), !isRefused);
+            EXPECT_EQ(calls.FailedCall(), isRefused ? "RegFlushKey(k2)" : "");
+            calls.Clear();
+        }
+        EXPECT_EQ(calls.Calls(), (Lines{"RegCloseKey(k2)", "RegCloseKey(k1)"})) << isRefused;
+    }
+}
+
+TEST_F(KeyLifetime, ARefusedCreationMakesNoFlushDue) {
+    test::RegistryCalls calls;
+    {
+        CRegistryKey key(UserKey);
+        EXPECT_TRUE(key.Close(true));
+        calls.FailCall(1);
+        EXPECT_FALSE(key.OpenResolved(true, false, true));
+        EXPECT_EQ(calls.FailedCall().find("RegCreateKeyExW("), 0U) << calls.FailedCall();
+        EXPECT_TRUE(key.OpenResolved(false, false, true));
+        EXPECT_TRUE(key.IsOpen());
+    }
+    EXPECT_EQ(calls.CountOf("RegFlushKey"), 0);
+    EXPECT_EQ(calls.HandleFaults(), "");
+}
+
 TEST_F(KeyLifetime, ClosingForgetsThatTheKeyWasCreated) {
     test::RegistryCalls calls;
     {

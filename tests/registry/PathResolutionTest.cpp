@@ -49,7 +49,15 @@ constexpr PathRow Paths[] = {
     {L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Imaging Library",
      "HKLM, SOFTWARE\\Vantrel\\Vantrel Imaging Library",
      L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Imaging Library"},
+    // Only the first backslash splits, the others belong to the rest.
+    {L"HKEY_LOCAL_MACHINE\\\\\\Software", "HKLM, \\\\Software",
+     L"HKEY_LOCAL_MACHINE\\\\\\Software"},
+    {L"M_KOR_HKEY_LOCAL_MACHINE_ROOT\\\\\\x",
+     "HKLM, Software\\Vantrel\\Vantrel Imaging Library\\\\\\x",
+     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\\\\\x"},
     {L"hkey_users", "HKU, ", L"HKEY_USERS"},
+    // No volatile location is below this root; a key of this name is opened like any other.
+    {L"HKEY_USERS\\x\\volatile", "HKU, x\\volatile", L"HKEY_USERS\\x\\volatile"},
     {L"HKEY_LOCAL_MACHINE\\Software/a", "HKLM, Software/a", L"HKEY_LOCAL_MACHINE\\Software/a"},
     {L"HKEY_CLASSES_ROOT\\KORTests", "HKCR, KORTests", L"HKEY_CLASSES_ROOT\\KORTests"},
     {L"HKEY_CURRENT_CONFIG\\KORTests", "HKCC, KORTests", L"HKEY_CURRENT_CONFIG\\KORTests"},
@@ -182,6 +190,14 @@ TEST_F(PathResolution, ShortFormsOpenTheRuntimeRoots) {
     EXPECT_TRUE(test::KeyExists(HKEY_CURRENT_USER, Runtime + L"\\made\\here"));
 }
 
+TEST_F(PathResolution, IdsKeepTheLeadingBackslashesOfTheRest) {
+    CRegistryKey key;
+    test::RegistryCalls calls;
+    EXPECT_FALSE(key.OpenSymbolic(SymbolicRootId::LocalMachineRoot, L"\\\\x\\", false));
+    EXPECT_EQ(calls.Calls(), Lines{"RegOpenKeyExW(HKLM, Software\\Vantrel\\Vantrel Imaging "
+                                   "Library\\\\\\x, 0, 20019)"});
+}
+
 // The layout is the object's own from its construction on.
 TEST_F(PathResolution, LayoutIsTakenAtConstruction) {
     EXPECT_FALSE(CRegistryKey::RtxMode());
@@ -196,6 +212,28 @@ TEST_F(PathResolution, LayoutIsTakenAtConstruction) {
     EXPECT_EQ(OpenAnyhow(rtx, L"M_KOR_HKEY_LOCAL_MACHINE_ROOT").fullName,
               L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\RTX\\Vantrel "
               L"Imaging Library");
+}
+
+TEST_F(PathResolution, TheLayoutOfTheObjectTellsItsVolatileLocations) {
+    constexpr wchar_t PlainLocation[] =
+        L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\volatile\\x";
+    constexpr wchar_t RtxLocation[] =
+        L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\RTX\\Vantrel Imaging "
+        L"Library\\Runtime\\volatile\\x";
+    CRegistryKey plain;
+    CRegistryKey::SetRtxMode(true);
+    CRegistryKey rtx;
+    for (const bool mode : {false, true}) {
+        CRegistryKey::SetRtxMode(mode);
+        test::RegistryCalls calls;
+        EXPECT_FALSE(plain.Open(RtxLocation, true));
+        EXPECT_FALSE(rtx.Open(PlainLocation, true));
+        EXPECT_TRUE(calls.Calls().empty()) << testing::PrintToString(calls.Calls());
+        EXPECT_TRUE(plain.Open(PlainLocation, true));
+        EXPECT_TRUE(rtx.Open(RtxLocation, true));
+        EXPECT_TRUE(plain.CloseIfOpen());
+        EXPECT_TRUE(rtx.CloseIfOpen());
+    }
 }
 
 TEST_F(PathResolution, WrongRootsLeaveTheKeyReset) {
@@ -224,6 +262,19 @@ TEST_F(PathResolution, RefusedVolatilePathsOpenNothing) {
     EXPECT_FALSE(key.Open(L"HKLM\\volatile\\x", false));
     EXPECT_TRUE(calls.Calls().empty()) << testing::PrintToString(calls.Calls());
     EXPECT_EQ(key.GetFullName(), L"");
+}
+
+TEST_F(PathResolution, RefusedVolatilePathsLeaveAnOpenKeyClosedAndReset) {
+    for (const wchar_t* path :
+         {L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\a\\volatile", L"HKEY_LOCAL_MACHINE\\volatile"}) {
+        CRegistryKey key(L"HKEY_LOCAL_MACHINE\\Software");
+        ASSERT_TRUE(key.IsOpen());
+        test::RegistryCalls calls;
+        EXPECT_FALSE(key.Open(path, true));
+        EXPECT_EQ(calls.Calls(), Lines{"RegCloseKey(?)"});
+        EXPECT_FALSE(key.IsOpen());
+        EXPECT_EQ(key.GetFullName(), L"");
+    }
 }
 
 // First nothing of it is there, then the root's key, then its "volatile" without the key that is
@@ -313,6 +364,23 @@ TEST_F(OpeningAfterAFailedMove, StartsFromNoRoot) {
     EXPECT_FALSE(m_key->OpenSymbolic(static_cast<SymbolicRootId>(9), L"s", false));
     EXPECT_EQ(calls.Calls(), Lines{"RegOpenKeyExW(null, s, 0, 20019)"});
     EXPECT_EQ(m_key->GetFullName(), L"");
+}
+
+TEST_F(OpeningAfterAFailedMove, ForgetsTheOldKeyAlsoWhenItIsRefused) {
+    for (const wchar_t* path : {L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\a\\volatile",
+                                L"HKEY_LOCAL_MACHINE\\volatile", L"HKLM\\Software"}) {
+        auto other = std::make_unique<CRegistryKey>();
+        ASSERT_TRUE(other->OpenCurrentUserRuntime(L"volatile\\x", true));
+        ASSERT_FALSE(other->OpenRelative(L"missing"));
+        test::RegistryCalls calls;
+        EXPECT_FALSE(other->Open(path, true));
+        EXPECT_EQ(other->GetFullName(), L"");
+        EXPECT_FALSE(other->OpenResolved(false, false, false)) << "there is no key to be opened";
+        EXPECT_EQ(calls.Calls(), Lines{"RegOpenKeyExW(null, , 0, 20019)"});
+        calls.Clear();
+        other.reset();
+        EXPECT_TRUE(calls.Calls().empty()) << "and none to be flushed";
+    }
 }
 
 TEST_F(OpeningAfterAFailedMove, ForgetsThatTheOldKeyWasCreated) {

@@ -11,6 +11,7 @@ protected:
         RegistryTest::SetUp();
         test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\a\\b\\c\\d");
         test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\a\\e");
+        test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\a\\b\\..f");
         test::MakeKey(HKEY_CURRENT_USER, L"Software\\KORTests\\a\\b\\x\\..\\y");
     }
 };
@@ -39,6 +40,9 @@ constexpr MoveRow Moves[] = {
     {L"c\\..\\c", nullptr},
     {L"...", nullptr},
     {L"..c", nullptr},
+    // Only ".." alone goes up, so this is not the "e" one level above.
+    {L"..e", nullptr},
+    {L"..f", L"\\Software\\KORTests\\a\\b\\..f"},
     {L".", nullptr},
     {L"", nullptr},
     {L"missing", nullptr},

@@ -59,6 +59,43 @@ TEST_F(TreeCopy, SixtyFourBitValuesCopyTheNumberLeftBehind) {
     }
 }
 
+TEST_F(TreeCopy, AValueThatCannotBeReadIsLeftOut) {
+    const std::wstring source = L"Software\\KORTests\\s";
+    const test::RawValue bytes = {REG_BINARY, {1, 2, 3}};
+    test::SetRaw(HKEY_CURRENT_USER, source, L"a", bytes);
+    test::SetRaw(HKEY_CURRENT_USER, source, L"b", bytes);
+    test::SetRaw(HKEY_CURRENT_USER, source, L"c", test::Text(REG_SZ, L"c"));
+    test::SetRaw(HKEY_CURRENT_USER, source, L"d", test::Text(REG_EXPAND_SZ, L"d"));
+    test::SetRaw(HKEY_CURRENT_USER, source, L"e", test::Text(REG_SZ, L"e"));
+    CRegistryKey key(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    {
+        HOOK_IMPORT(query, RegQueryValueExW,
+                    [&](HKEY opened, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
+                        LPDWORD size) -> LSTATUS {
+                        const bool isRefused = data != nullptr && std::wstring(L"bcd").find(name) !=
+                                                                      std::wstring::npos;
+                        return isRefused ? LSTATUS{ERROR_ACCESS_DENIED}
+                                         : query.Original(opened, name, reserved, type, data, size);
+                    });
+        EXPECT_TRUE(key.CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
+    }
+    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"), (Tree{L":a", L":e"}));
+}
+
+// The same rule makes such branches impossible anywhere but in a volatile location.
+TEST_F(TreeCopy, BranchesThatNameVolatileAreLeftOut) {
+    Set(L"s\\a", L"v");
+    Set(L"s\\a\\Nonvolatile\\below", L"v");
+    Set(L"s\\volatile", L"v");
+    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
+    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"), (Tree{L"a", L"a:v"}));
+    EXPECT_TRUE(source.CopyTree(L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\volatile\\copy", L"HKEY_USERS"));
+    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, test::Runtime + L"\\volatile\\copy"),
+              (Tree{L"a", L"a:v", L"a\\Nonvolatile", L"a\\Nonvolatile\\below",
+                    L"a\\Nonvolatile\\below:v", L"volatile", L"volatile:v"}));
+}
+
 TEST_F(TreeCopy, CopiesFollowTheDestinationsRule) {
     Set(L"s", L"n");
     CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");

@@ -199,6 +199,16 @@ TEST_F(TreeDeletion, AFailureOnTheWayLeavesTheRest) {
     ExpectAtStart();
 }
 
+// The list gives the beginning of such a name, and no value has that name.
+TEST_F(TreeDeletion, AValueWithAVeryLongNameKeepsTheKeyFromBeingEmptied) {
+    Set(L"t", std::wstring(1023, L'm'));
+    EXPECT_TRUE(m_key.DeleteTree(L"t"));
+    Set(L"t", std::wstring(1024, L'n'));
+    EXPECT_FALSE(m_key.DeleteTree(L"t"));
+    EXPECT_EQ(Below(), (Tree{L"t", L"t:" + std::wstring(1024, L'n')}));
+    ExpectAtStart();
+}
+
 TEST_F(TreeDeletion, AValueThatStaysEndsTheDeletion) {
     Set(L"t", L"a");
     Set(L"t", L"b");

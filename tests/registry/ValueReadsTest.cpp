@@ -143,6 +143,40 @@ TEST_F(ValueReads, MissingValuesAndClosedKeysGiveNothing) {
     EXPECT_EQ(size, 5U);
 }
 
+TEST_F(ValueReads, WithoutAKeyTheSystemIsNotAsked) {
+    CRegistryKey key;
+    CKORString text;
+    CTable1D<CKORString> names;
+    std::uint32_t u32 = 0;
+    DWORD systems = 0;
+    std::int64_t wideSigned = 0;
+    std::uint64_t wideUnsigned = 0;
+    BYTE buffer[4] = {};
+    std::uint64_t size = sizeof buffer;
+    RegValueType type = RegValueType::Unknown;
+    const auto visit = [](const wchar_t* /*name*/) { return true; };
+    test::RegistryCalls calls;
+    EXPECT_FALSE(key.ValueExists(L"n"));
+    EXPECT_FALSE(key.QueryValue(L"n", RegValueType::Dword));
+    EXPECT_FALSE(key.ReadDword(L"n", u32));
+    EXPECT_FALSE(key.ReadDword(L"n", systems));
+    EXPECT_FALSE(key.ReadDwordAsInt64(L"n", wideSigned));
+    EXPECT_FALSE(key.ReadDwordAsUInt64(L"n", wideUnsigned));
+    EXPECT_FALSE(key.ReadQword(L"n", wideSigned));
+    EXPECT_FALSE(key.ReadQword(L"n", wideUnsigned));
+    EXPECT_FALSE(key.ReadString(L"n", text));
+    EXPECT_FALSE(key.ReadBinary(L"n", buffer, size));
+    EXPECT_FALSE(key.GetValueType(L"n", type));
+    EXPECT_EQ(key.GetSubKeyCount(), 0U);
+    EXPECT_EQ(key.GetValueCount(), 0U);
+    EXPECT_FALSE(key.EnumSubKeyNames(names));
+    EXPECT_FALSE(key.EnumValueNames(names));
+    EXPECT_FALSE(key.VisitSubKeyNames(visit));
+    EXPECT_FALSE(key.VisitValueNames(visit));
+    EXPECT_FALSE(key.SubKeyExists(L"n"));
+    EXPECT_TRUE(calls.Calls().empty()) << testing::PrintToString(calls.Calls());
+}
+
 TEST_F(ValueReads, TheDefaultValueHasNoName) {
     Set(L"", test::Text(REG_SZ, L"default"));
     CKORString text;
@@ -240,6 +274,38 @@ TEST_F(ValueReads, MoreDataAfterTheBufferGrewIsAFailure) {
     EXPECT_FALSE(m_key.ReadBinary(L"b", buffer, size));
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "") << "the trace line is never written";
     EXPECT_EQ(size, 2100U) << "the size last reported";
+}
+
+// Somebody else writes the value anew, as another type.
+TEST_F(ValueReads, AValueThatChangesItsTypeCountsAsWhatWasReadLast) {
+    HOOK_IMPORT(query, RegQueryValueExW,
+                [&](HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE buffer, LPDWORD size) -> LSTATUS {
+                    if (buffer == nullptr) {
+                        return ERROR_SUCCESS;
+                    }
+                    const bool isFirst = *size == 1024;
+                    *type = isFirst ? REG_SZ : REG_BINARY;
+                    *size = 2000;
+                    return isFirst ? LSTATUS{ERROR_MORE_DATA} : LSTATUS{ERROR_SUCCESS};
+                });
+    EXPECT_FALSE(CRegistryKey(MachineKey).QueryValue(L"v", RegValueType::String));
+    EXPECT_TRUE(CRegistryKey(MachineKey).QueryValue(L"v", RegValueType::Binary));
+}
+
+TEST_F(ValueReads, AStringThatBecomesBytesBeforeItIsReadIsNoString) {
+    Set(L"s", test::Text(REG_SZ, L"text"));
+    HOOK_IMPORT(query, RegQueryValueExW,
+                [&](HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE buffer,
+                    LPDWORD size) -> LSTATUS {
+                    const LSTATUS result = query.Original(key, name, reserved, type, buffer, size);
+                    if (buffer != nullptr) {
+                        *type = REG_BINARY;
+                    }
+                    return result;
+                });
+    CKORString text(L"untouched");
+    EXPECT_FALSE(m_key.ReadString(L"s", text));
+    EXPECT_EQ(text, L"untouched");
 }
 
 TEST_F(ValueReads, EveryQueryMayFail) {
@@ -360,6 +426,14 @@ TEST_F(ValueReads, TracedReadsTellEverything) {
     EXPECT_TRUE(read.hasMoreData);
     EXPECT_EQ(read.printed, "Read value: bytes, type is 3, retval 234\n");
 
+    // The type is that of a value that was read.
+    read = ReadTraced(raw, L"number", RegValueType::String, buffer, 2);
+    EXPECT_FALSE(read.result);
+    EXPECT_EQ(read.type, RegValueType::String);
+    EXPECT_EQ(read.size, 4U);
+    EXPECT_TRUE(read.hasMoreData);
+    EXPECT_EQ(read.printed, "");
+
     read = ReadTraced(raw, L"missing", RegValueType::Binary, buffer, 2);
     EXPECT_FALSE(read.result);
     EXPECT_FALSE(read.hasMoreData);
@@ -376,6 +450,31 @@ TEST_F(ValueReads, TracedReadsTellEverything) {
     EXPECT_FALSE(ReadTraced(raw, L"bytes", RegValueType::String, buffer, 0x100000008U).result);
     EXPECT_EQ(calls.FailedCall(), "RegQueryValueExW(?, bytes, -, type, data, 4294967295)");
     RegCloseKey(raw);
+}
+
+TEST_F(ValueReads, TracedReadsPrintNumbersWithoutASign) {
+    HOOK_IMPORT(query, RegQueryValueExW,
+                [](HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE, LPDWORD) -> LSTATUS {
+                    *type = 0x80000001;
+                    return static_cast<LSTATUS>(0xffffffffU);
+                });
+    const TracedRead read = ReadTraced(nullptr, L"v", RegValueType::Binary, nullptr, 0);
+    EXPECT_EQ(read.printed, "Read value: v, type is 2147483649, retval 4294967295\n");
+}
+
+TEST_F(ValueReads, ABareHandlesCountIsZeroAfterAFailure) {
+    HOOK_IMPORT(info, RegQueryInfoKeyW,
+                [](HKEY, LPWSTR, LPDWORD, LPDWORD, LPDWORD subKeys, LPDWORD, LPDWORD,
+                   LPDWORD values, LPDWORD, LPDWORD, LPDWORD, PFILETIME) -> LSTATUS {
+                    *(subKeys != nullptr ? subKeys : values) = 5;
+                    return ERROR_ACCESS_DENIED;
+                });
+    std::uint64_t subKeys = 77;
+    std::uint64_t values = 77;
+    EXPECT_FALSE(GetSubKeyCount(nullptr, subKeys));
+    EXPECT_FALSE(GetValueCount(nullptr, values));
+    EXPECT_EQ(subKeys, 0U);
+    EXPECT_EQ(values, 0U);
 }
 
 TEST_F(ValueReads, BareHandlesAnswerTheSame) {
@@ -397,7 +496,9 @@ TEST_F(ValueReads, BareHandlesAnswerTheSame) {
     EXPECT_FALSE(ValueExists(nullptr, L"n"));
     EXPECT_FALSE(GetSubKeyCount(nullptr, count));
     EXPECT_EQ(count, 0U);
+    count = 77;
     EXPECT_FALSE(GetValueCount(nullptr, count));
+    EXPECT_EQ(count, 0U);
 }
 
 } // namespace

@@ -42,6 +42,8 @@ constexpr Row Rows[] = {
     {L"volatile", L"", 99, true, false, 1, 99},
     // The separator is looked for where the path as it was passed has it.
     {L"\\volatile", L"", 1, true, false, 1, 1},
+    {L"\\volatile\\", L"", 1, true, false, 1, 1},
+    {L"\\\\volatile\\\\\\", L"", 1, true, false, 1, 1},
     {L"\\volatile\\a", L"", 1, true, false, -1, 1},
     {L"\\\\volatile\\a", L"", 1, true, false, -1, 1},
     {L"\\volatil\\volatile", L"", 1, true, false, -1, 1},
@@ -56,6 +58,7 @@ constexpr Row Rows[] = {
     {L"Software\\Wow6432Node\\Vantrel\\Vantrel Imaging Tools\\volatile", LocalMachine, 0, true,
      false, 1, 7},
     {LIBRARY L"Runtime\\volatile", CurrentUser, 0, true, false, 1, 2},
+    {LIBRARY L"Runtime\\volatile", L"hkey_current_user", 0, true, false, 1, 2},
     {LIBRARY L"Development\\volatile\\x", CurrentUser, 0, true, false, 1, 4},
     // The current user's imaging board is no candidate.
     {L"Software\\Vantrel\\Imaging Board\\volatile", CurrentUser, 0, true, false, -1, 0},

@@ -88,6 +88,29 @@ TEST_F(VolatileMutexes, OnlyAnOpenVolatileKeyLocks) {
     EXPECT_TRUE(calls.Calls().empty());
 }
 
+// A failed move leaves the object closed in the location that it was opened in.
+TEST_F(VolatileMutexes, AnObjectThatAMoveLeftClosedLocksNothing) {
+    CRegistryKey key(Location, true);
+    ASSERT_FALSE(key.OpenRelative(L"missing"));
+    ASSERT_FALSE(key.IsOpen());
+    test::RegistryCalls calls;
+    EXPECT_FALSE(key.LockVolatile());
+    EXPECT_TRUE(calls.Calls().empty()) << testing::PrintToString(calls.Calls());
+    ASSERT_TRUE(key.OpenResolved(false, false, false));
+    EXPECT_TRUE(key.LockVolatile()) << "and it still knows the location";
+    EXPECT_TRUE(key.UnlockVolatile());
+}
+
+// The mutex is that of the location that was opened, wherever the object moves to.
+TEST_F(VolatileMutexes, MovingDoesNotChangeTheMutex) {
+    CRegistryKey key(Location, true);
+    ASSERT_TRUE(key.OpenRelative(L"\\Software"));
+    test::RegistryCalls calls;
+    ASSERT_TRUE(key.LockVolatile());
+    EXPECT_EQ(calls.Calls()[0], "OpenMutexW(100000, 1, KOR_CURRENT_USER_RUNTIME_VOLATILE_MUTEX)");
+    EXPECT_TRUE(key.UnlockVolatile());
+}
+
 TEST_F(VolatileMutexes, WithoutAHandleTheLockFails) {
     // Something else bears the mutex's name.
     const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, CurrentUserRuntimeMutex);

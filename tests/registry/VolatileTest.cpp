@@ -187,6 +187,45 @@ TEST_F(Volatile, TheRealTimeLayoutStampsARealPathElsewhere) {
     EXPECT_TRUE(test::IsVolatileKey(HKEY_CURRENT_USER, rest));
 }
 
+// The stamps follow the layout of the process, whatever the object's own is.
+TEST_F(Volatile, TheLayoutOfTheObjectDoesNotGoWithTheCompanion) {
+    CRegistryKey::SetRtxMode(true);
+    CRegistryKey key;
+    CRegistryKey::SetRtxMode(false);
+    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
+    ExpectStamps(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"volatile\\x");
+    EXPECT_EQ(test::TreeOf(HKEY_LOCAL_MACHINE,
+                           Library + L"\\RTXUser\\Vantrel Imaging Library\\Runtime\\volatile"),
+              std::vector<std::wstring>{L"x"});
+}
+
+TEST_F(Volatile, PathCreatorIsThePathAsItWasPassed) {
+    for (const std::wstring path : {L"Volatile\\A\\", L"\\volatile\\\\", L"VOLATILE/x"}) {
+        CRegistryKey key;
+        key.OpenCurrentUserRuntime(path.c_str(), true);
+        EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"PathCreator"),
+                  test::Text(REG_SZ, path));
+        key.CloseIfOpen();
+        TearDown();
+        SetUp();
+    }
+}
+
+TEST_F(Volatile, TheTimeIsTakenBeforeTheNameOfTheProgram) {
+    std::string order;
+    HOOK_IMPORT(clock, _time64, [&](__time64_t* result) {
+        order += "time ";
+        return clock.Original(result);
+    });
+    HOOK_IMPORT(module, GetModuleFileNameW, [&](HMODULE handle, LPWSTR path, DWORD size) {
+        order += "name ";
+        return module.Original(handle, path, size);
+    });
+    CRegistryKey key;
+    EXPECT_TRUE(key.OpenCurrentUserRuntime(L"volatile", true));
+    EXPECT_EQ(order, "time name ");
+}
+
 TEST_F(Volatile, TheTimeIsCutToItsLowHalf) {
     constexpr std::pair<std::int64_t, std::uint32_t> Times[] = {{0x100000005, 5}, {-1, 0xffffffff}};
     for (const auto& [time, stamp] : Times) {

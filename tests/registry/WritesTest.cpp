@@ -103,6 +103,34 @@ TEST_F(Writes, FollowTheProtocol) {
     EXPECT_EQ(calls.HandleFaults(), "");
 }
 
+// The key is left open for reading, whatever became of the change.
+TEST_F(Writes, AFailedChangeIsFollowedByTheReopeningForReading) {
+    struct {
+        bool (*change)(CRegistryKey& key);
+        const char* call;
+    } const rows[] = {
+        {[](CRegistryKey& key) { return key.WriteDword(L"n", 1U); },
+         "RegSetValueExW(k3, n, 0, 4, 4)"},
+        {[](CRegistryKey& key) { return key.DeleteValue(L"n"); }, "RegDeleteValueW(k3, n)"},
+        {[](CRegistryKey& key) { return key.CreateSubKey(L"n"); },
+         "RegCreateKeyExW(k3, n, 0, -, 0, 20019, -, -)"},
+    };
+    for (const auto& row : rows) {
+        test::RegistryCalls calls;
+        CRegistryKey key(UserKey);
+        calls.Clear();
+        calls.FailCall(3);
+        EXPECT_FALSE(row.change(key));
+        EXPECT_EQ(
+            calls.Calls(),
+            (Lines{"RegCloseKey(k2)", "RegOpenKeyExW(k1, Software\\KORTests, 0, f003f)", row.call,
+                   "RegCloseKey(k3)", "RegOpenKeyExW(k1, Software\\KORTests, 0, 20019)"}));
+        EXPECT_TRUE(key.IsOpen());
+        key.Close();
+        EXPECT_EQ(calls.HandleFaults(), "");
+    }
+}
+
 // Whether the object saw a change shows at its end: it flushes.
 TEST_F(Writes, OnlySuccessfulChangesAreFlushed) {
     const auto flushes = [](const std::function<void(CRegistryKey&)>& change) {
@@ -246,6 +274,7 @@ TEST_F(Writes, AClosedKeyChangesNothing) {
     EXPECT_FALSE(key.DeleteTree(L"n"));
     EXPECT_FALSE(key.CopyValues(UserKey));
     EXPECT_FALSE(key.CopyTree(UserKey, UserKey));
+    EXPECT_FALSE(key.CopyTree(UserKey, L"")) << "not even the exclusion of everything counts";
     EXPECT_TRUE(calls.Calls().empty());
 }
 

@@ -5,22 +5,26 @@
 
 #include "registry/VolatileClassification.h"
 
-namespace {
-
-// Why a key could not be opened.
-CKORString WhyNotOpened(const CKORString& path, bool create) {
-    const bool rtxLayout = CRegistryKey::RtxMode();
-    const CKORString name = ResolvedName(path, rtxLayout);
-    if (name.Length() == 0) {
-        return CKORString(L"the path begins with no root that there is: ") + path;
-    }
+bool IsRefusedAsVolatile(const CKORString& path, bool create) {
     const wchar_t* const separator = std::wcschr(path.Text(), L'\\');
     const CKORString rootName =
         separator != nullptr ? path.Left(separator - path.Text()) : CKORString(path);
     const SymbolicRoot* const root = FindSymbolicRoot(rootName.Text());
     SymbolicRootId id = root != nullptr ? root->id : SymbolicRootId::None;
     const CKORString rest(separator != nullptr ? separator + 1 : L"");
-    if (ClassifyVolatile(rest, rootName.Text(), id, create, rtxLayout) == VolatileKind::Refused) {
+    return ClassifyVolatile(rest, rootName.Text(), id, create, CRegistryKey::RtxMode()) ==
+           VolatileKind::Refused;
+}
+
+namespace {
+
+// Why a key could not be opened.
+CKORString WhyNotOpened(const CKORString& path, bool create) {
+    const CKORString name = ResolvedName(path, CRegistryKey::RtxMode());
+    if (name.Length() == 0) {
+        return CKORString(L"the path begins with no root that there is: ") + path;
+    }
+    if (IsRefusedAsVolatile(path, create)) {
         return CKORString(L"refused: the path names \"volatile\" where no volatile location is: ") +
                name;
     }

@@ -11,6 +11,9 @@ void SelectLayoutAndRule(const Arguments& arguments);
 // Opens the key of the first operand, and creates it with --create. Otherwise says why not.
 bool OpenKey(const Arguments& arguments, Streams& streams, CRegistryKey& key);
 
+// Whether the layer refuses the path because it names "volatile" where no volatile location is.
+bool IsRefusedAsVolatile(const CKORString& path, bool create);
+
 // Writes one line to the errors: the command's failure in words.
 void Complain(Streams& streams, const CKORString& words);
 

@@ -4,11 +4,13 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cwchar>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "diag/RegistryAccess.h"
+#include "registry/StringUtilities.h"
 
 namespace {
 
@@ -197,16 +199,46 @@ CKORString ExclusionOf(const CRegistryKey& source, const CKORString& destination
     return exclusion.c_str();
 }
 
+// A branch whose path in the copy names "volatile" is left out without a word.
+void WarnOfBranchesLeftOut(const CRegistryKey& source, const CKORString& destination,
+                           const CKORString& exclusion, Streams& streams) {
+    CKORString to(destination);
+    RemoveTrailingBackslashes(to);
+    const std::wstring excluded(exclusion.Text());
+    // Level by level, since keys may be nested deeper than the program's stack reaches.
+    std::deque<std::wstring> pending = {L""};
+    for (; !pending.empty(); pending.pop_front()) {
+        const std::wstring branch = pending.front();
+        const CRegistryKey key(source.GetFullName() + branch.c_str());
+        key.VisitSubKeyNames([&](const wchar_t* name) {
+            const std::wstring below = branch + L"\\" + name;
+            const CKORString from = source.GetFullName() + below.c_str();
+            const CKORString copy = to + below.c_str();
+            if (std::wstring(from.Text()).compare(0, excluded.size(), excluded) == 0) {
+                return true;
+            }
+            if (IsRefusedAsVolatile(copy, true) && !CRegistryKey(copy).IsOpen()) {
+                Complain(streams, CKORString(L"left out, since its copy would name \"volatile\" "
+                                             L"where no volatile location is: ") +
+                                      from);
+            } else {
+                pending.push_back(below);
+            }
+            return true;
+        });
+    }
+}
+
 // Runs a copy of the first operand's key to the second operand.
 ExitCode Copy(const Arguments& arguments, Streams& streams,
-              bool (*copy)(CRegistryKey& key, const CKORString& destination),
+              bool (*copy)(CRegistryKey& key, const CKORString& destination, Streams& streams),
               const wchar_t* failed) {
     SelectLayoutAndRule(arguments);
     CRegistryKey key;
     if (!OpenKey(arguments, streams, key)) {
         return ExitCode::No;
     }
-    const bool copied = copy(key, arguments.Operand(1));
+    const bool copied = copy(key, arguments.Operand(1), streams);
     WarnOfRefusedCopies(arguments, streams);
     return Outcome(streams, copied, failed);
 }
@@ -248,7 +280,7 @@ ExitCode RunRegistryDeleteTree(const Arguments& arguments, Streams& streams) {
 ExitCode RunRegistryCopyValues(const Arguments& arguments, Streams& streams) {
     return Copy(
         arguments, streams,
-        [](CRegistryKey& key, const CKORString& destination) {
+        [](CRegistryKey& key, const CKORString& destination, Streams&) {
             return key.CopyValues(destination);
         },
         L"the values could not be copied");
@@ -257,8 +289,13 @@ ExitCode RunRegistryCopyValues(const Arguments& arguments, Streams& streams) {
 ExitCode RunRegistryCopyTree(const Arguments& arguments, Streams& streams) {
     return Copy(
         arguments, streams,
-        [](CRegistryKey& key, const CKORString& destination) {
-            return key.CopyTree(destination, ExclusionOf(key, destination));
+        [](CRegistryKey& key, const CKORString& destination, Streams& errors) {
+            const CKORString exclusion = ExclusionOf(key, destination);
+            const bool copied = key.CopyTree(destination, exclusion);
+            if (copied) {
+                WarnOfBranchesLeftOut(key, destination, exclusion, errors);
+            }
+            return copied;
         },
         L"the tree could not be copied");
 }

@@ -42,7 +42,8 @@ public:
     explicit CRegistryKey(const CKORString& path, bool create = false);
     CRegistryKey(const CRegistryKey&) = delete;
     CRegistryKey& operator=(const CRegistryKey&) = delete;
-    // Flushes the key when something in it was created or changed since it was opened.
+    // Flushes the key when it was opened with create, also when it existed, and when something in
+    // it was changed since it was opened.
     virtual ~CRegistryKey();
 
     // The layout in which key objects that are constructed from now on resolve symbolic roots.
@@ -60,6 +61,8 @@ public:
     // A failed opening leaves the object closed and reset. Whatever it had open is closed first, as
     // by Close.
 
+    // A path that names "volatile" outside the volatile locations is refused when a key would be
+    // created, and below a symbolic root always.
     bool Open(const CKORString& path, bool create);
     bool OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bool create);
     bool OpenLocalMachineRuntime(const CKORString& subPath, bool create);
@@ -171,9 +174,10 @@ public:
     // in the key that this one's name and the components before, as they stand, lead to.
     bool DeleteSubKey(const CKORString& path);
     // Empties the subkey, which stays. What was deleted before a failure stays deleted.
-    // Both move to the subkey (of several components, to the last) as OpenRelative does: a leading
-    // backslash or ".." leads to keys outside this one, which are emptied then. Check paths that
-    // come from elsewhere.
+    // Both move as OpenRelative does, DeleteTree along the whole path, DeleteSubKey along the last
+    // component: a leading backslash or ".." leads to keys outside this one, which are emptied
+    // then. Check paths that come from elsewhere. A key with a value whose name is longer than
+    // 1,023 characters cannot be emptied.
     bool DeleteTree(const CKORString& path);
 
     // destination is a path as Open takes it; the key is created when it does not exist. Copies
@@ -184,8 +188,9 @@ public:
     bool CopyValues(const CKORString& destination);
     // With everything below the key, except keys whose full name begins with exclusion, compared
     // with case: pass the destination's full name when it lies inside the source. An empty
-    // exclusion is the beginning of every name. True when the values of the key itself could be
-    // listed, and when the key itself is excluded.
+    // exclusion is the beginning of every name. Branches that cannot be made in the copy are left
+    // out, such as those whose name contains "volatile" (see Open). True when the values of the key
+    // itself could be listed, and when the key itself is excluded.
     bool CopyTree(const CKORString& destination, const CKORString& exclusion);
 
     // Empties the current user's volatile data; true when there is no runtime key to look in. For a
@@ -194,10 +199,11 @@ public:
 
     // --- Volatile data: whatever lies in the key "volatile" directly below a symbolic root. ---
 
-    // Takes the mutex of the root in which the key lies and waits for it without limit; false for
-    // a key outside the volatile locations of the runtime and the development roots, and when this
-    // object holds its mutex already. False also when a holder before ended without unlocking: the
-    // mutex is held then all the same and must be unlocked.
+    // Takes the mutex of the volatile location in which the object was last opened, wherever it was
+    // moved since, and waits for it without limit. Those of the roots 1 to 4 and 7 have one; in
+    // every other place the result is false, and so it is without an open key and when this object
+    // holds its mutex already. False also when a holder before ended without unlocking: the mutex
+    // is held then all the same and must be unlocked.
     bool LockVolatile();
     // On the thread that locked, while the object has a key open; whatever key that is. An object
     // that is destroyed before releases the mutex.

@@ -238,6 +238,29 @@ class Changes(RegistryCommands):
                 self.assertNotIn("deep" if "deep" in destination else "in",
                                  [name.lower() for name in self.list(USER + destination)["subkeys"]])
 
+    def test_branches_that_a_copy_leaves_out(self):
+        self.prefix.import_registry(
+            "".join(f'[{USER}\\src{branch}]\n"n"=dword:1\n\n' for branch in
+                    (r"\a", r"\My Volatile data\below", r"\b\nonvolatile", r"\b\c", r"\in\volatile")) +
+            f"[{USER}\\src\\in]\n")
+        note = 'kordiag: left out, since its copy would name "volatile" where no volatile location is: {}\n'
+        both = note.format(USER + r"\src\My Volatile data") + note.format(USER + r"\src\b\nonvolatile")
+        for destination in (USER + "\\dst", USER + "\\dst\\", USER + r"\src\in"):
+            with self.subTest(destination):
+                expected = both if "src" in destination else both + note.format(USER + r"\src\in\volatile")
+                self.assertEqual(self.kordiag("copy-tree", USER + "\\src", destination), (0, "", expected))
+        copied = self.list(USER + "\\dst")
+        self.assertEqual((copied["subkeys"], self.list(USER + r"\dst\b")["subkeys"]), (["a", "b", "in"], ["c"]))
+        # Where the branch is there already, its values are copied; what is below it still cannot be made.
+        self.prefix.import_registry(f"[{USER}\\dst\\My Volatile data]\n\n[{USER}\\dst\\b\\nonvolatile]\n")
+        self.assertEqual(self.kordiag("copy-tree", USER + "\\src", USER + "\\dst"),
+                         (0, "", note.format(USER + r"\src\in\volatile")
+                          + note.format(USER + r"\src\My Volatile data\below")))
+        self.assertEqual(self.values(USER + r"\dst\b\nonvolatile"), {"n": ("dword", 1)})
+        # A volatile location is one place where such a name may be.
+        self.succeed("copy-tree", USER + "\\src", VOLATILE)
+        self.assertEqual(self.values(VOLATILE + r"\b\nonvolatile"), {"n": ("dword", 1)})
+
     def test_copies_that_the_rule_refuses(self):
         self.prefix.import_registry(f'[{USER}\\src]\n"d"=dword:1\n')
         note = ("kordiag: no value was copied, by the writable-root rule: values are written only below "

@@ -98,6 +98,10 @@ void Close(const OpenKey& open) {
     Counted(RegCloseKey(open.root));
 }
 
+void OpenAndCloseMachine(const std::wstring& subKey) {
+    Counted(RegCloseKey(OpenBelow(HKEY_LOCAL_MACHINE, subKey, KEY_READ)));
+}
+
 bool ReadText(HKEY key, const wchar_t* name, std::wstring& text) {
     DWORD type = 0;
     if (Counted(RegQueryValueExW(key, name, nullptr, &type, nullptr, nullptr)) != ERROR_SUCCESS) {

@@ -18,6 +18,8 @@ struct OpenKey {
 // Below the current user, with the root of the calling thread's user.
 OpenKey Open(const std::wstring& subKey);
 void Close(const OpenKey& open);
+// Below the local machine.
+void OpenAndCloseMachine(const std::wstring& subKey);
 
 bool ReadText(HKEY key, const wchar_t* name, std::wstring& text);
 bool ReadNumber(HKEY key, const wchar_t* name, DWORD& number);

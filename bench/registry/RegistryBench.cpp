@@ -1,7 +1,8 @@
 // What the registry layer costs beside the system calls that it cannot do without: both times,
 // their ratio, and the number of calls of each. Run it on one processor, which the Wine server then
-// shares: taskset -c 0 wine/in-prefix.py bench_registry.exe. It works below
-// HKEY_CURRENT_USER\Software\KORBench. An argument limits the trees: the largest number of keys.
+// shares: taskset -c 0 wine/in-prefix.py bench_registry.exe. It works in keys named KORBench below
+// HKEY_CURRENT_USER\Software, HKEY_LOCAL_MACHINE\Software and the current user's runtime root. An
+// argument limits the trees: the largest number of keys.
 #include <windows.h>
 
 #include <algorithm>
@@ -138,6 +139,34 @@ void MakeTrees(const std::wstring& top, int keys) {
     }
 }
 
+void CompareOpenings() {
+    const std::wstring runtime = L"Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\KORBench";
+    const std::pair<HKEY, std::wstring> keys[] = {
+        {HKEY_LOCAL_MACHINE, Base}, {HKEY_CURRENT_USER, Base}, {HKEY_CURRENT_USER, runtime}};
+    for (const auto& [root, path] : keys) {
+        HKEY key = nullptr;
+        RegCreateKeyW(root, path.c_str(), &key);
+        RegCloseKey(key);
+    }
+
+    const CKORString machinePath = CKORString(L"HKEY_LOCAL_MACHINE\\") + Base;
+    const CKORString symbolicPath = L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\KORBench";
+    const std::wstring bareBase = Base;
+    const auto prepare = [] {};
+    Compare(
+        "open, close: local machine", 300, 20, prepare,
+        [&] { const CRegistryKey key(machinePath); }, [&] { bare::OpenAndCloseMachine(bareBase); });
+    Compare(
+        "open, close: current user", 300, 20, prepare, [&] { const CRegistryKey key(FullBase); },
+        [&] { bare::Close(bare::Open(bareBase)); });
+    Compare(
+        "open, close: symbolic root", 300, 20, prepare,
+        [&] { const CRegistryKey key(symbolicPath); }, [&] { bare::Close(bare::Open(runtime)); });
+
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, Base);
+    RegDeleteTreeW(HKEY_CURRENT_USER, runtime.c_str());
+}
+
 void CompareValues() {
     SetRaw(L"short", REG_SZ, L"a short string");
     SetRaw(L"long", REG_SZ, std::wstring(1499, L'l'));
@@ -223,6 +252,7 @@ int main(int argc, char** argv) {
     const int largest = argc > 1 ? std::atoi(argv[1]) : 100000;
     std::printf("%-28s %15s %15s %7s %9s %9s\n", "", "ours", "bare calls", "ratio", "calls",
                 "bare");
+    CompareOpenings();
     CompareValues();
     for (const auto& [keys, rounds] :
          {std::pair(1000, 9), std::pair(10000, 3), std::pair(100000, 1)}) {

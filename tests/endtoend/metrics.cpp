@@ -5,6 +5,8 @@
 #include <cstdio>
 
 int main() {
+    // The launcher's manifest says the same. Else Wine 10 answers for a screen of 96 dots an inch.
+    SetProcessDPIAware();
     const struct {
         const char* name;
         int index;

@@ -2,7 +2,17 @@
 #include "mfc/BrowserSite.h"
 
 #include "mfc/EventSink.h"
+#include "mfc/NoDropTarget.h"
 #include "mfc/afxdhtml.h"
+
+namespace {
+
+// Texts of the registry go into the page as they are, so a control among them is neither loaded
+// nor run.
+constexpr LONG PicturesButNoControls =
+    DLCTL_DLIMAGES | DLCTL_NO_JAVA | DLCTL_NO_DLACTIVEXCTLS | DLCTL_NO_RUNACTIVEXCTLS;
+
+} // namespace
 
 HRESULT STDMETHODCALLTYPE BrowserSite::QueryInterface(REFIID iid, void** object) {
     if (iid == IID_IUnknown || iid == IID_IOleClientSite) {
@@ -13,6 +23,8 @@ HRESULT STDMETHODCALLTYPE BrowserSite::QueryInterface(REFIID iid, void** object)
         *object = static_cast<IOleInPlaceFrame*>(this);
     } else if (iid == IID_IDocHostUIHandler) {
         *object = static_cast<IDocHostUIHandler*>(this);
+    } else if (iid == IID_IDispatch) {
+        *object = static_cast<IDispatch*>(this);
     } else {
         *object = nullptr;
         return E_NOINTERFACE;
@@ -133,10 +145,13 @@ HRESULT STDMETHODCALLTYPE BrowserSite::EnableModeless(BOOL /*enable*/) {
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE BrowserSite::ShowContextMenu(DWORD /*menu*/, POINT* /*position*/,
-                                                       IUnknown* /*commands*/,
-                                                       IDispatch* /*object*/) {
-    return S_FALSE; // the document shows its own
+// The engine's own menu would reload, print, or show the markup of a page that is a surface.
+HRESULT STDMETHODCALLTYPE BrowserSite::ShowContextMenu(DWORD menu, POINT* position,
+                                                       IUnknown* commands, IDispatch* object) {
+    if (m_dialog != nullptr) {
+        AnswerSystem([&] { return m_dialog->ShowContextMenu(menu, position, commands, object); });
+    }
+    return S_OK;
 }
 
 HRESULT STDMETHODCALLTYPE BrowserSite::GetHostInfo(DOCHOSTUIINFO* info) {
@@ -166,11 +181,7 @@ HRESULT STDMETHODCALLTYPE BrowserSite::ResizeBorder(const RECT* /*border*/,
 
 HRESULT STDMETHODCALLTYPE BrowserSite::TranslateAccelerator(MSG* message, const GUID* commandGroup,
                                                             DWORD command) {
-    if (m_dialog == nullptr) {
-        return S_FALSE;
-    }
-    return AnswerSystem(
-        [&] { return m_dialog->TranslateAccelerator(message, commandGroup, command); });
+    return m_dialog != nullptr ? m_dialog->AnswerKey(message, commandGroup, command) : S_FALSE;
 }
 
 HRESULT STDMETHODCALLTYPE BrowserSite::GetOptionKeyPath(LPOLESTR* key, DWORD /*reserved*/) {
@@ -178,10 +189,15 @@ HRESULT STDMETHODCALLTYPE BrowserSite::GetOptionKeyPath(LPOLESTR* key, DWORD /*r
     return S_FALSE;
 }
 
-HRESULT STDMETHODCALLTYPE BrowserSite::GetDropTarget(IDropTarget* /*proposed*/,
-                                                     IDropTarget** target) {
+// The engine's own would replace the page by what is dropped on it.
+HRESULT STDMETHODCALLTYPE BrowserSite::GetDropTarget(IDropTarget* proposed, IDropTarget** target) {
     *target = nullptr;
-    return E_NOTIMPL;
+    return AnswerSystem([&] {
+        if (m_dialog == nullptr || m_dialog->GetDropTarget(proposed, target) != S_OK) {
+            *target = new NoDropTarget;
+        }
+        return S_OK;
+    });
 }
 
 HRESULT STDMETHODCALLTYPE BrowserSite::GetExternal(IDispatch** external) {
@@ -199,4 +215,34 @@ HRESULT STDMETHODCALLTYPE BrowserSite::FilterDataObject(IDataObject* /*object*/,
                                                         IDataObject** filtered) {
     *filtered = nullptr;
     return S_FALSE;
+}
+
+HRESULT STDMETHODCALLTYPE BrowserSite::GetTypeInfoCount(UINT* count) {
+    *count = 0;
+    return S_OK;
+}
+
+HRESULT STDMETHODCALLTYPE BrowserSite::GetTypeInfo(UINT /*index*/, LCID /*locale*/,
+                                                   ITypeInfo** info) {
+    *info = nullptr;
+    return E_NOTIMPL;
+}
+
+HRESULT STDMETHODCALLTYPE BrowserSite::GetIDsOfNames(REFIID /*iid*/, LPOLESTR* /*names*/,
+                                                     UINT /*count*/, LCID /*locale*/,
+                                                     DISPID* /*ids*/) {
+    return DISP_E_UNKNOWNNAME;
+}
+
+HRESULT STDMETHODCALLTYPE BrowserSite::Invoke(DISPID property, REFIID /*iid*/, LCID /*locale*/,
+                                              WORD flags, DISPPARAMS* /*parameters*/,
+                                              VARIANT* result, EXCEPINFO* /*exception*/,
+                                              UINT* /*argumentError*/) {
+    if (property != DISPID_AMBIENT_DLCONTROL || (flags & DISPATCH_PROPERTYGET) == 0 ||
+        result == nullptr) {
+        return DISP_E_MEMBERNOTFOUND;
+    }
+    result->vt = VT_I4;
+    result->lVal = PicturesButNoControls;
+    return S_OK;
 }

@@ -18,7 +18,8 @@ class CDHtmlDialog;
 class BrowserSite final : public IOleClientSite,
                           public IOleInPlaceSite,
                           public IOleInPlaceFrame,
-                          public IDocHostUIHandler {
+                          public IDocHostUIHandler,
+                          public IDispatch {
 public:
     explicit BrowserSite(CDHtmlDialog& dialog) : m_dialog(&dialog) {}
     BrowserSite(const BrowserSite&) = delete;
@@ -90,6 +91,15 @@ public:
     HRESULT STDMETHODCALLTYPE TranslateUrl(DWORD reserved, LPWSTR url, LPWSTR* translated) override;
     HRESULT STDMETHODCALLTYPE FilterDataObject(IDataObject* object,
                                                IDataObject** filtered) override;
+
+    // IDispatch: the ambient properties, which tell the control what the page may load
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
+                                            DISPID* ids) override;
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID property, REFIID iid, LCID locale, WORD flags,
+                                     DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* exception,
+                                     UINT* argumentError) override;
 
 private:
     virtual ~BrowserSite() = default;

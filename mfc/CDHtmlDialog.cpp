@@ -1,8 +1,7 @@
-// How a dialog hosts the browser control and gets at its page.
+// How a dialog hosts the browser control: its life, its place, its keys, its page.
 #include "mfc/afxdhtml.h"
 
 #include <comdef.h>
-#include <exdispid.h>
 
 #include <cwchar>
 
@@ -10,6 +9,8 @@
 #include "mfc/EventSink.h"
 
 BEGIN_MESSAGE_MAP(CDHtmlDialog, CDialog)
+ON_WM_ACTIVATE()
+ON_WM_SETFOCUS()
 ON_WM_SIZE()
 ON_WM_DESTROY()
 END_MESSAGE_MAP()
@@ -46,6 +47,7 @@ bool CDHtmlDialog::CreateBrowser() {
     GetClientRect(&client);
     object->SetClientSite(m_site.get());
     m_browserEvents->Connect(m_pBrowserApp);
+    m_pBrowserApp->put_RegisterAsDropTarget(VARIANT_FALSE);
     object->DoVerb(OLEIVERB_UIACTIVATE, nullptr, m_site.get(), 0, m_hWnd, &client);
     return true;
 }
@@ -53,6 +55,7 @@ bool CDHtmlDialog::CreateBrowser() {
 // In the reverse of the order in which it came to be.
 void CDHtmlDialog::CloseBrowser() {
     m_pageEvents->Disconnect();
+    m_body.Release();
     m_spHtmlDoc.Release();
     m_browserEvents->Disconnect();
     CComPtr<IOleObject> object;
@@ -86,19 +89,55 @@ HRESULT CDHtmlDialog::GetElement(LPCTSTR szElementId, IHTMLElement** pphtmlEleme
 }
 
 BOOL CDHtmlDialog::PreTranslateMessage(MSG* pMsg) {
+    m_keyMessage = WM_NULL;
     const bool isKey = pMsg->message >= WM_KEYFIRST && pMsg->message <= WM_KEYLAST;
     if (isKey && m_pBrowserApp != nullptr &&
-        (pMsg->hwnd == m_hWnd || IsChild(m_hWnd, pMsg->hwnd))) {
-        CComPtr<IOleInPlaceActiveObject> control;
-        if (SUCCEEDED(m_pBrowserApp.QueryInterface(&control)) &&
-            control->TranslateAccelerator(pMsg) == S_OK) {
-            return TRUE;
-        }
+        (pMsg->hwnd == m_hWnd || IsChild(m_hWnd, pMsg->hwnd)) && TranslateKey(pMsg)) {
+        return TRUE;
     }
     return CDialog::PreTranslateMessage(pMsg);
 }
 
+// Engines differ in which keys they ask the host about, when, and how often. Whatever they do, the
+// host is asked once for each message. Keys that make an engine load the page anew do not reach it.
+bool CDHtmlDialog::TranslateKey(MSG* message) {
+    m_keyMessage = message->message;
+    m_key = message->wParam;
+    m_keyAnswer.reset();
+    bool taken = message->message == WM_KEYDOWN &&
+                 (message->wParam == VK_F5 || message->wParam == VK_BROWSER_REFRESH);
+    CComPtr<IOleInPlaceActiveObject> control;
+    if (!taken && SUCCEEDED(m_pBrowserApp.QueryInterface(&control))) {
+        taken = control->TranslateAccelerator(message) == S_OK;
+    }
+    return AnswerKey(message, nullptr, 0) == S_OK || taken;
+}
+
+HRESULT CDHtmlDialog::AnswerKey(MSG* message, const GUID* commandGroup, DWORD command) {
+    const bool isCurrent =
+        message != nullptr && m_keyMessage == message->message && m_key == message->wParam;
+    if (isCurrent && m_keyAnswer) {
+        return *m_keyAnswer;
+    }
+    const HRESULT answer =
+        AnswerSystem([&] { return TranslateAccelerator(message, commandGroup, command); });
+    if (isCurrent) {
+        m_keyAnswer = answer;
+    }
+    return answer;
+}
+
+void CDHtmlDialog::OnBeforeNavigate(LPDISPATCH /*pDisp*/, LPCTSTR /*szUrl*/) {}
+
+void CDHtmlDialog::OnNavigateComplete(LPDISPATCH /*pDisp*/, LPCTSTR /*szUrl*/) {}
+
 void CDHtmlDialog::OnDocumentComplete(LPDISPATCH /*pDisp*/, LPCTSTR /*szUrl*/) {}
+
+HRESULT STDMETHODCALLTYPE CDHtmlDialog::ShowContextMenu(DWORD /*dwID*/, POINT* /*ppt*/,
+                                                        IUnknown* /*pcmdtReserved*/,
+                                                        IDispatch* /*pdispReserved*/) {
+    return S_FALSE;
+}
 
 HRESULT STDMETHODCALLTYPE CDHtmlDialog::GetHostInfo(DOCHOSTUIINFO* pInfo) {
     pInfo->dwFlags = m_hostFlags;
@@ -110,6 +149,37 @@ HRESULT STDMETHODCALLTYPE CDHtmlDialog::TranslateAccelerator(LPMSG /*lpMsg*/,
                                                              const GUID* /*pguidCmdGroup*/,
                                                              DWORD /*nCmdID*/) {
     return S_FALSE;
+}
+
+HRESULT STDMETHODCALLTYPE CDHtmlDialog::GetDropTarget(IDropTarget* /*pDropTarget*/,
+                                                      IDropTarget** ppDropTarget) {
+    *ppDropTarget = nullptr;
+    return E_NOTIMPL;
+}
+
+void CDHtmlDialog::OnActivate(UINT nState, CWnd* pWndOther, BOOL bMinimized) {
+    CDialog::OnActivate(nState, pWndOther, bMinimized);
+    CComPtr<IOleInPlaceActiveObject> control;
+    if (m_pBrowserApp != nullptr && SUCCEEDED(m_pBrowserApp.QueryInterface(&control))) {
+        control->OnFrameWindowActivate(nState != WA_INACTIVE ? TRUE : FALSE);
+    }
+}
+
+// The dialog itself has nothing to do with the focus.
+void CDHtmlDialog::OnSetFocus(CWnd* pOldWnd) {
+    CDialog::OnSetFocus(pOldWnd);
+    if (GetFocus() == m_hWnd) {
+        FocusPage();
+    }
+}
+
+void CDHtmlDialog::FocusPage() {
+    CComPtr<IOleWindow> view;
+    HWND window = nullptr;
+    if (m_hWnd != nullptr && GetActiveWindow() == m_hWnd && m_spHtmlDoc != nullptr &&
+        SUCCEEDED(m_spHtmlDoc.QueryInterface(&view)) && SUCCEEDED(view->GetWindow(&window))) {
+        SetFocus(window);
+    }
 }
 
 void CDHtmlDialog::OnSize(UINT nType, int cx, int cy) {
@@ -125,57 +195,4 @@ void CDHtmlDialog::OnSize(UINT nType, int cx, int cy) {
 void CDHtmlDialog::OnDestroy() {
     CloseBrowser();
     CDialog::OnDestroy();
-}
-
-void CDHtmlDialog::OnBrowserEvent(DISPID event, const DISPPARAMS& parameters) {
-    // The arguments stand last first.
-    if (event != DISPID_DOCUMENTCOMPLETE || parameters.cArgs != 2 ||
-        parameters.rgvarg[1].vt != VT_DISPATCH || !IsBrowser(parameters.rgvarg[1].pdispVal)) {
-        return;
-    }
-    CComPtr<IDispatch> document;
-    m_spHtmlDoc.Release();
-    if (FAILED(m_pBrowserApp->get_Document(&document)) || document == nullptr ||
-        FAILED(document.QueryInterface(&m_spHtmlDoc))) {
-        return;
-    }
-    m_pageEvents->Connect(m_spHtmlDoc);
-    _variant_t url;
-    VariantCopyInd(&url, &parameters.rgvarg[0]);
-    OnDocumentComplete(parameters.rgvarg[1].pdispVal,
-                       url.vt == VT_BSTR && url.bstrVal != nullptr ? url.bstrVal : L"");
-}
-
-// Whether the event's source is the control itself and not a frame within the page.
-bool CDHtmlDialog::IsBrowser(IDispatch* source) const {
-    CComPtr<IUnknown> browserIdentity;
-    CComPtr<IUnknown> sourceIdentity;
-    return source != nullptr && m_pBrowserApp != nullptr &&
-           SUCCEEDED(m_pBrowserApp.QueryInterface(&browserIdentity)) &&
-           SUCCEEDED(source->QueryInterface(IID_PPV_ARGS(&sourceIdentity))) &&
-           browserIdentity == sourceIdentity;
-}
-
-void CDHtmlDialog::OnPageEvent(DISPID event, const DISPPARAMS& parameters) {
-    if (parameters.cArgs < 1 || parameters.rgvarg[0].vt != VT_DISPATCH ||
-        parameters.rgvarg[0].pdispVal == nullptr) {
-        return;
-    }
-    CComPtr<IHTMLEventObj> details;
-    CComPtr<IHTMLElement> element;
-    if (FAILED(parameters.rgvarg[0].pdispVal->QueryInterface(IID_PPV_ARGS(&details))) ||
-        FAILED(details->get_srcElement(&element)) || element == nullptr) {
-        return;
-    }
-    BSTR text = nullptr;
-    element->get_className(&text);
-    const _bstr_t className(text, false);
-    if (text == nullptr) {
-        return;
-    }
-    for (const DHtmlEventMapEntry* entry = GetDHtmlEventMap(); entry->szName != nullptr; ++entry) {
-        if (entry->dispId == event && wcscmp(entry->szName, text) == 0) {
-            entry->pfnHandler(*this, element);
-        }
-    }
 }

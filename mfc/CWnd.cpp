@@ -38,6 +38,14 @@ LRESULT CWnd::Default() {
                           m_currentMessage.wParam, m_currentMessage.lParam);
 }
 
+void CWnd::OnActivate(UINT /*nState*/, CWnd* /*pWndOther*/, BOOL /*bMinimized*/) {
+    Default();
+}
+
+void CWnd::OnSetFocus(CWnd* /*pOldWnd*/) {
+    Default();
+}
+
 void CWnd::OnSize(UINT /*nType*/, int /*cx*/, int /*cy*/) {
     Default();
 }

@@ -21,10 +21,13 @@ HRESULT EventSink::Connect(IUnknown* source) {
     return result;
 }
 
+// From the first line on nothing is answered, not even what the source tells while it lets go.
 void EventSink::Disconnect() {
-    if (m_connection != nullptr) {
-        m_connection->Unadvise(m_cookie);
-        m_connection.Release();
+    CComPtr<IConnectionPoint> connection;
+    connection = m_connection.p;
+    m_connection.Release();
+    if (connection != nullptr) {
+        connection->Unadvise(m_cookie);
     }
 }
 
@@ -72,6 +75,9 @@ HRESULT STDMETHODCALLTYPE EventSink::Invoke(DISPID event, REFIID /*iid*/, LCID /
                                             UINT* /*argumentError*/) {
     if (parameters == nullptr) {
         return E_POINTER;
+    }
+    if (m_connection == nullptr) {
+        return S_OK;
     }
     return AnswerSystem([&] {
         (m_dialog.*m_handler)(event, *parameters);

@@ -27,8 +27,8 @@ HRESULT AnswerSystem(const Function& function) noexcept {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
-// Connected to one outgoing dispatch interface at a time. Made by new, with one reference; the
-// dialog must live until Disconnect.
+// Connected to one outgoing dispatch interface at a time; events that come while it is not are
+// passed over. Made by new, with one reference; the dialog must live until Disconnect.
 class EventSink final : public IDispatch {
 public:
     using Handler = void (CDHtmlDialog::*)(DISPID event, const DISPPARAMS& parameters);

@@ -11,6 +11,7 @@
 #include <mshtml.h>
 
 #include <memory>
+#include <optional>
 
 class BrowserSite;
 class CDHtmlEventSink;
@@ -99,26 +100,50 @@ public:
 
     BOOL OnInitDialog() override;
     BOOL PreTranslateMessage(MSG* pMsg) override;
-    // The page has loaded; called for the top frame only.
+    // Called for the top frame only. Once the page is there, navigations that begin are cancelled
+    // and only reported. OnDocumentComplete: the page has loaded, or was loaded again.
+    virtual void OnBeforeNavigate(LPDISPATCH pDisp, LPCTSTR szUrl);
+    virtual void OnNavigateComplete(LPDISPATCH pDisp, LPCTSTR szUrl);
     virtual void OnDocumentComplete(LPDISPATCH pDisp, LPCTSTR szUrl);
 
     // What the page's host is asked. TranslateAccelerator: S_OK when the key was used up.
+    // ShowContextMenu may show a menu; whatever it answers, the engine's own is not shown.
+    // GetDropTarget may supply a drop target; without one, nothing can be dropped on the page.
+    virtual HRESULT STDMETHODCALLTYPE ShowContextMenu(DWORD dwID, POINT* ppt,
+                                                      IUnknown* pcmdtReserved,
+                                                      IDispatch* pdispReserved);
     virtual HRESULT STDMETHODCALLTYPE GetHostInfo(DOCHOSTUIINFO* pInfo);
     virtual HRESULT STDMETHODCALLTYPE TranslateAccelerator(LPMSG lpMsg, const GUID* pguidCmdGroup,
                                                            DWORD nCmdID);
+    virtual HRESULT STDMETHODCALLTYPE GetDropTarget(IDropTarget* pDropTarget,
+                                                    IDropTarget** ppDropTarget);
 
 protected:
     DECLARE_MESSAGE_MAP()
+    afx_msg void OnActivate(UINT nState, CWnd* pWndOther, BOOL bMinimized);
+    afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnSize(UINT nType, int cx, int cy);
     afx_msg void OnDestroy();
 
 private:
+    friend class BrowserSite;
+
     bool CreateBrowser();
     void CloseBrowser();
     void LoadFromResource();
+    bool TranslateKey(MSG* message);
+    HRESULT AnswerKey(MSG* message, const GUID* commandGroup, DWORD command);
+
     void OnBrowserEvent(DISPID event, const DISPPARAMS& parameters);
-    bool IsBrowser(IDispatch* source) const;
+    void OnNavigation(DISPID event, const DISPPARAMS& parameters);
+    void OnDownloadComplete();
     void OnPageEvent(DISPID event, const DISPPARAMS& parameters);
+    bool IsBrowser(IDispatch* source) const;
+    bool FindDocument(IHTMLDocument2** document) const;
+    bool IsReloaded() const;
+    bool IsOwnPage() const;
+    bool TakeDocument();
+    void FocusPage();
 
     OleSession m_ole;
     UINT m_nHtmlResID;
@@ -128,4 +153,9 @@ private:
     std::unique_ptr<EventSink, ComRelease> m_pageEvents;
     CComPtr<IWebBrowser2> m_pBrowserApp;
     CComPtr<IHTMLDocument2> m_spHtmlDoc; // null until the page has loaded
+    CComPtr<IHTMLElement> m_body;        // another one when the page was loaded again
+    // The key message that the loop got last, and the host's answer once it was asked.
+    UINT m_keyMessage = WM_NULL;
+    WPARAM m_key = 0;
+    std::optional<HRESULT> m_keyAnswer;
 };

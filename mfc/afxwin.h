@@ -47,6 +47,17 @@ protected:                                                                      
          static_cast<ThisClass&>(window).OnGetMinMaxInfo(reinterpret_cast<MINMAXINFO*>(lParam));   \
          return 0;                                                                                 \
      }},
+// Windows of others have no objects: the other window is null.
+#define ON_WM_ACTIVATE()                                                                           \
+    {WM_ACTIVATE, [](CWnd& window, WPARAM wParam, LPARAM) -> LRESULT {                             \
+         static_cast<ThisClass&>(window).OnActivate(LOWORD(wParam), nullptr, HIWORD(wParam) != 0); \
+         return 0;                                                                                 \
+     }},
+#define ON_WM_SETFOCUS()                                                                           \
+    {WM_SETFOCUS, [](CWnd& window, WPARAM, LPARAM) -> LRESULT {                                    \
+         static_cast<ThisClass&>(window).OnSetFocus(nullptr);                                      \
+         return 0;                                                                                 \
+     }},
 #define ON_WM_SIZE()                                                                               \
     {WM_SIZE, [](CWnd& window, WPARAM wParam, LPARAM lParam) -> LRESULT {                          \
          static_cast<ThisClass&>(window).OnSize(static_cast<UINT>(wParam), LOWORD(lParam),         \
@@ -97,6 +108,8 @@ protected:
     LRESULT Default();
 
     afx_msg void OnPaint() { Default(); }
+    afx_msg void OnActivate(UINT nState, CWnd* pWndOther, BOOL bMinimized);
+    afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnSize(UINT nType, int cx, int cy);
     afx_msg void OnDestroy() { Default(); }
 

@@ -47,9 +47,21 @@ HRESULT GiveText(const std::optional<std::wstring>& text, BSTR* out) {
     return S_OK;
 }
 
+// Not SysAllocString, which tests let fail.
+HRESULT GiveOwnText(const std::wstring& text, BSTR* out) {
+    *out = SysAllocStringLen(text.c_str(), static_cast<UINT>(text.size()));
+    return S_OK;
+}
+
 template <typename Fake>
 Fake& Self(Face* face) {
     return static_cast<Fake&>(*face->Owner);
+}
+
+void Call(const std::function<void()>& what) {
+    if (what) {
+        what();
+    }
 }
 
 HRESULT Give(FakeObject* object, REFIID iid, void** out) {
@@ -112,6 +124,7 @@ FakeStyle::FakeStyle() {
                       [](Face* self, VARIANT color) -> HRESULT {
                           Self<FakeStyle>(self).Note("color");
                           Self<FakeStyle>(self).Colors.push_back(color);
+                          Call(Self<FakeStyle>(self).OnColor);
                           return S_OK;
                       }),
                METHOD(IHTMLStyle, put_cursor, [](Face* self, BSTR cursor) -> HRESULT {
@@ -136,6 +149,7 @@ FakeElement::FakeElement() {
                 [](Face* self, BSTR html) -> HRESULT {
                     Self<FakeElement>(self).Note("innerHTML");
                     Self<FakeElement>(self).InnerHtml.emplace_back(html);
+                    Call(Self<FakeElement>(self).OnInnerHtml);
                     return S_OK;
                 }),
          METHOD(IHTMLElement, get_style, [](Face* self, IHTMLStyle** out) {
@@ -169,6 +183,7 @@ FakeSource::FakeSource() {
                    auto& source = Self<FakeSource>(self);
                    EXPECT_EQ(cookie, 77U);
                    source.Note(source.Name + " unadvise");
+                   Call(source.OnUnadvise);
                    source.Sink->lpVtbl->Release(source.Sink);
                    source.Sink = nullptr;
                    return S_OK;
@@ -176,15 +191,35 @@ FakeSource::FakeSource() {
 }
 
 HRESULT FakeSource::Fire(DISPID event, std::vector<VARIANT> arguments) const {
+    return FireAt(Sink, event, std::move(arguments));
+}
+
+HRESULT FireAt(IDispatch* sink, DISPID event, std::vector<VARIANT> arguments) {
     DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
-    return Sink->lpVtbl->Invoke(Sink, event, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr,
+    return sink->lpVtbl->Invoke(sink, event, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr,
                                 nullptr, nullptr);
 }
 
 FakeDocument::FakeDocument() {
     Name = "document";
     Implement(IID_IDispatch, {});
-    Implement(IID_IHTMLDocument2, {});
+    Implement(IID_IHTMLDocument2,
+              {METHOD(IHTMLDocument2, get_body,
+                      [](Face* self, IHTMLElement** out) {
+                          return Give(Self<FakeDocument>(self).Body, IID_IHTMLElement,
+                                      reinterpret_cast<void**>(out));
+                      }),
+               METHOD(IHTMLDocument2, get_readyState,
+                      [](Face* self, BSTR* out) {
+                          return GiveOwnText(Self<FakeDocument>(self).State, out);
+                      }),
+               METHOD(IHTMLDocument2, get_URL, [](Face* self, BSTR* out) {
+                   return GiveOwnText(Self<FakeDocument>(self).Url, out);
+               })});
+    Implement(IID_IOleWindow, {METHOD(IOleWindow, GetWindow, [](Face* self, HWND* out) -> HRESULT {
+                  *out = Self<FakeDocument>(self).Window;
+                  return *out != nullptr ? S_OK : E_FAIL;
+              })});
     Implement(IID_IHTMLDocument3, {METHOD(IHTMLDocument3, getElementById,
                                           [](Face* self, BSTR id, IHTMLElement** out) -> HRESULT {
                                               auto& document = Self<FakeDocument>(self);
@@ -212,9 +247,12 @@ FakeBrowser::FakeBrowser() {
                           auto& browser = Self<FakeBrowser>(self);
                           browser.Note("navigate");
                           browser.Navigated.emplace_back(url);
-                          if (browser.OnNavigate) {
-                              browser.OnNavigate();
-                          }
+                          Call(browser.OnNavigate);
+                          return S_OK;
+                      }),
+               METHOD(IWebBrowser2, put_RegisterAsDropTarget,
+                      [](Face* self, VARIANT_BOOL takes) -> HRESULT {
+                          Self<FakeBrowser>(self).TakesDrops = takes;
                           return S_OK;
                       }),
                METHOD(IWebBrowser2, get_Document, [](Face* self, IDispatch** out) {
@@ -254,13 +292,18 @@ FakeBrowser::FakeBrowser() {
                           Self<FakeBrowser>(self).Rectangles.push_back(*position);
                           return S_OK;
                       })});
-    Implement(IID_IOleInPlaceActiveObject, {METHOD(IOleInPlaceActiveObject, TranslateAccelerator,
-                                                   [](Face* self, MSG* message) -> HRESULT {
-                                                       auto& browser = Self<FakeBrowser>(self);
-                                                       browser.Keys.push_back(message->message);
-                                                       return browser.OnKey ? browser.OnKey(message)
-                                                                            : S_FALSE;
-                                                   })});
+    Implement(IID_IOleInPlaceActiveObject,
+              {METHOD(IOleInPlaceActiveObject, OnFrameWindowActivate,
+                      [](Face* self, BOOL active) -> HRESULT {
+                          Self<FakeBrowser>(self).FrameActivations.push_back(active);
+                          return S_OK;
+                      }),
+               METHOD(IOleInPlaceActiveObject, TranslateAccelerator,
+                      [](Face* self, MSG* message) -> HRESULT {
+                          auto& browser = Self<FakeBrowser>(self);
+                          browser.Keys.push_back(message->message);
+                          return browser.OnKey ? browser.OnKey(message) : S_FALSE;
+                      })});
 }
 
 VARIANT FakeBrowser::Dispatch() {

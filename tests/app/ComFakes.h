@@ -74,6 +74,7 @@ public:
     FakeStyle();
 
     std::vector<VARIANT> Colors;
+    std::function<void()> OnColor;
     std::vector<std::wstring> Cursors;
 };
 
@@ -86,19 +87,23 @@ public:
     std::optional<std::wstring> Id;
     std::optional<std::wstring> Text;
     std::vector<std::wstring> InnerHtml; // as written
+    std::function<void()> OnInnerHtml;
     FakeStyle* Style = nullptr;
 };
+
+// Calls a sink, with arguments in the order of COM, the last one first.
+HRESULT FireAt(IDispatch* sink, DISPID event, std::vector<VARIANT> arguments);
 
 // Has events: connects sinks and calls them.
 class FakeSource : public FakeObject {
 public:
     FakeSource();
-    // Arguments in the order of COM, the last one first.
     HRESULT Fire(DISPID event, std::vector<VARIANT> arguments) const;
 
     std::string Name;
     IID ConnectedTo = {};
     IDispatch* Sink = nullptr;
+    std::function<void()> OnUnadvise; // before the sink is let go
 };
 
 class FakeDocument : public FakeSource {
@@ -106,6 +111,10 @@ public:
     FakeDocument();
 
     FakeElement* Sections = nullptr;
+    FakeElement* Body = nullptr;
+    std::wstring Url = L"res://C:\\Program%20Files/korcontrolcenter.exe/129";
+    std::wstring State = L"complete";
+    HWND Window = nullptr;
     std::vector<std::wstring> Asked;
 };
 
@@ -128,6 +137,8 @@ public:
     std::vector<RECT> Rectangles;
     std::vector<UINT> Keys; // messages handed to it
     std::function<HRESULT(MSG*)> OnKey;
+    std::vector<BOOL> FrameActivations;
+    VARIANT_BOOL TakesDrops = VARIANT_TRUE;
 };
 
 } // namespace test

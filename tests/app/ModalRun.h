@@ -28,6 +28,7 @@ struct FakePage {
         Browser.Document = &Document;
         Browser.Log = &Log;
         Document.Sections = &Sections;
+        Document.Body = &Body;
         Document.Log = &Log;
         Sections.Log = &Log;
     }
@@ -36,7 +37,7 @@ struct FakePage {
     HRESULT Complete(FakeObject& frame) {
         VARIANT url = {};
         url.vt = VT_BSTR;
-        url.bstrVal = SysAllocString(L"res://page");
+        url.bstrVal = SysAllocString(Document.Url.c_str());
         VARIANT reference = {};
         reference.vt = VT_BYREF | VT_VARIANT;
         reference.pvarVal = &url;
@@ -45,8 +46,10 @@ struct FakePage {
         return result;
     }
 
+    int Quits = 0; // messages posted
     std::vector<std::string> Log;
     FakeElement Sections;
+    FakeElement Body;
     FakeDocument Document;
     FakeBrowser Browser;
 };
@@ -83,7 +86,7 @@ inline INT_PTR RunModal(FakePage& page, const std::vector<Turn>& turns,
         return FALSE;
     });
     // Nobody is there to take the quit message that is posted for outer loops.
-    HOOK_IMPORT(quit, PostQuitMessage, [](int) {});
+    HOOK_IMPORT(quit, PostQuitMessage, [&](int) { ++page.Quits; });
     return run();
 }
 

@@ -3,10 +3,9 @@
 
 #include <comdef.h>
 
-#include <cwchar>
-
 #include "mfc/BrowserSite.h"
 #include "mfc/EventSink.h"
+#include "mfc/ResourceAddress.h"
 
 BEGIN_MESSAGE_MAP(CDHtmlDialog, CDialog)
 ON_WM_ACTIVATE()
@@ -67,16 +66,11 @@ void CDHtmlDialog::CloseBrowser() {
 }
 
 void CDHtmlDialog::LoadFromResource() {
-    constexpr wchar_t Scheme[] = L"res://";
-    constexpr DWORD SchemeLength = 6;
-    constexpr DWORD LongestPath = 0x8000;
-    constexpr DWORD LongestName = 16;
-    const auto url = std::make_unique<wchar_t[]>(SchemeLength + LongestPath + LongestName);
-    wcscpy(url.get(), Scheme);
-    const DWORD pathLength = GetModuleFileName(nullptr, url.get() + SchemeLength, LongestPath);
-    wsprintf(url.get() + SchemeLength + pathLength, L"/%u", m_nHtmlResID);
-    // The page may be complete before the call is back.
-    m_pBrowserApp->Navigate(_bstr_t(url.get()), nullptr, nullptr, nullptr, nullptr);
+    const _bstr_t address = ResourceAddress(m_nHtmlResID);
+    if (address.length() != 0) {
+        // The page may be complete before the call is back.
+        m_pBrowserApp->Navigate(address, nullptr, nullptr, nullptr, nullptr);
+    }
 }
 
 HRESULT CDHtmlDialog::GetElement(LPCTSTR szElementId, IHTMLElement** pphtmlElement) {

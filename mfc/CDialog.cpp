@@ -2,6 +2,29 @@
 // dispatched.
 #include "mfc/afxwin.h"
 
+#include <algorithm>
+
+namespace {
+
+// The class of dialogs, "#32770".
+constexpr ULONG_PTR DialogClass = 0x8002;
+
+// The dialog whose window is being made, until there is one.
+CDialog* g_creating = nullptr;
+
+// The template may be larger than the screen.
+void KeepWithinWorkArea(HWND window, MINMAXINFO& limits) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    if (GetMonitorInfo(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), &monitor)) {
+        const RECT& area = monitor.rcWork;
+        limits.ptMaxTrackSize.x = std::min(limits.ptMaxTrackSize.x, area.right - area.left);
+        limits.ptMaxTrackSize.y = std::min(limits.ptMaxTrackSize.y, area.bottom - area.top);
+    }
+}
+
+} // namespace
+
 CDialog::CDialog(UINT nIDTemplate, CWnd* pParentWnd)
     : m_templateId(nIDTemplate), m_pParentWnd(pParentWnd) {}
 
@@ -13,8 +36,7 @@ INT_PTR CDialog::DoModal() {
     }
     m_modalResult = -1;
     m_running = true;
-    CreateDialogParam(GetModuleHandle(nullptr), MAKEINTRESOURCE(m_templateId), parent,
-                      &DialogProcedure, reinterpret_cast<LPARAM>(this));
+    CreateWindowOf(parent);
     const std::optional<int> quitCode = RunModalLoop();
     // Before the window goes: otherwise another program's window would be activated.
     if (disableParent) {
@@ -27,6 +49,38 @@ INT_PTR CDialog::DoModal() {
         PostQuitMessage(*quitCode);
     }
     return m_modalResult;
+}
+
+// The hook sees the window before it gets its first message.
+void CDialog::CreateWindowOf(HWND parent) {
+    CDialog* const outer = g_creating;
+    g_creating = this;
+    m_creating = true;
+    const HHOOK hook = SetWindowsHookEx(WH_CBT, &CreationHook, nullptr, GetCurrentThreadId());
+    CreateDialogParam(GetModuleHandle(nullptr), MAKEINTRESOURCE(m_templateId), parent,
+                      &DialogProcedure, reinterpret_cast<LPARAM>(this));
+    UnhookWindowsHookEx(hook);
+    m_creating = false;
+    g_creating = outer;
+}
+
+// Other windows may come first, such as that of an input method.
+LRESULT CALLBACK CDialog::CreationHook(int code, WPARAM wParam, LPARAM lParam) {
+    auto* const window = reinterpret_cast<HWND>(wParam);
+    if (code == HCBT_CREATEWND && g_creating != nullptr &&
+        GetClassLongPtr(window, GCW_ATOM) == DialogClass) {
+        g_creating->SubclassWindow(window);
+        g_creating = nullptr;
+    }
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+LRESULT CDialog::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    const LRESULT result = CWnd::WindowProc(message, wParam, lParam);
+    if (message == WM_GETMINMAXINFO && m_creating) {
+        KeepWithinWorkArea(m_hWnd, *reinterpret_cast<MINMAXINFO*>(lParam));
+    }
+    return result;
 }
 
 void CDialog::EndDialog(int nResult) {
@@ -44,7 +98,9 @@ INT_PTR CALLBACK CDialog::DialogProcedure(HWND dialog, UINT message, WPARAM wPar
     if (message == WM_INITDIALOG) {
         auto* const self = reinterpret_cast<CDialog*>(lParam);
         SetWindowLongPtr(dialog, DWLP_USER, lParam);
-        self->SubclassWindow(dialog);
+        if (self->m_hWnd == nullptr) {
+            self->SubclassWindow(dialog); // the hook was refused
+        }
         return self->OnInitDialog();
     }
     auto* const self = reinterpret_cast<CDialog*>(GetWindowLongPtr(dialog, DWLP_USER));

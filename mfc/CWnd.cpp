@@ -52,24 +52,24 @@ void CWnd::OnSize(UINT /*nType*/, int /*cx*/, int /*cy*/) {
 
 LRESULT CALLBACK CWnd::WindowProcedure(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* const window = reinterpret_cast<CWnd*>(GetWindowLongPtr(hWnd, GWLP_USERDATA));
-    const LRESULT result = window->Handle({hWnd, message, wParam, lParam, 0, {}});
+    const LRESULT result = window->WindowProc(message, wParam, lParam);
     if (message == WM_NCDESTROY) {
         window->m_hWnd = nullptr;
     }
     return result;
 }
 
-LRESULT CWnd::Handle(const MSG& message) {
+LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     // A handler may send messages, which come in here again.
     const MSG outer = m_currentMessage;
-    m_currentMessage = message;
+    m_currentMessage = {m_hWnd, message, wParam, lParam, 0, {}};
     LRESULT result = 0;
     bool handled = false;
     for (const AFX_MSGMAP* map = GetMessageMap(); map != nullptr && !handled; map = map->pBaseMap) {
         for (const AFX_MSGMAP_ENTRY* entry = map->lpEntries; entry->pfnHandler != nullptr;
              ++entry) {
-            if (entry->nMessage == message.message) {
-                result = entry->pfnHandler(*this, message.wParam, message.lParam);
+            if (entry->nMessage == message) {
+                result = entry->pfnHandler(*this, wParam, lParam);
                 handled = true;
                 break;
             }

@@ -104,6 +104,8 @@ public:
 protected:
     static const AFX_MSGMAP* GetThisMessageMap() { return nullptr; }
     virtual const AFX_MSGMAP* GetMessageMap() const { return nullptr; }
+    // Takes the message through the message map.
+    virtual LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
     // Has the window's own procedure treat the message that is being handled.
     LRESULT Default();
 
@@ -115,7 +117,6 @@ protected:
 
 private:
     static LRESULT CALLBACK WindowProcedure(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT Handle(const MSG& message);
 
     WNDPROC m_superProcedure = nullptr;
     MSG m_currentMessage{};
@@ -138,7 +139,8 @@ private:
     HWND m_window;
 };
 
-// A dialog made from a template of the program's resources.
+// A dialog made from a template of the program's resources. Its message map gets the messages of
+// the window's creation too. The window begins no larger than the work area.
 class CDialog : public CWnd {
 public:
     explicit CDialog(UINT nIDTemplate, CWnd* pParentWnd = nullptr);
@@ -153,12 +155,15 @@ public:
     virtual BOOL PreTranslateMessage(MSG* pMsg);
 
 protected:
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     virtual void OnOK() { EndDialog(IDOK); }
     virtual void OnCancel() { EndDialog(IDCANCEL); }
 
 private:
     static INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam,
                                             LPARAM lParam);
+    static LRESULT CALLBACK CreationHook(int code, WPARAM wParam, LPARAM lParam);
+    void CreateWindowOf(HWND parent);
     // The exit code when the quit message ended it.
     std::optional<int> RunModalLoop();
 
@@ -166,6 +171,7 @@ private:
     CWnd* m_pParentWnd;
     int m_modalResult = -1;
     bool m_running = false;
+    bool m_creating = false;
 };
 
 // The application. There is exactly one, and it lives as long as the program.

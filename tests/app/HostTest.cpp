@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "mfc/ResourceAddress.h"
 #include "tests/app/HostedDialog.h"
 
 namespace {
@@ -26,9 +27,7 @@ TEST_F(Host, OpensTheControlInOrderAndClosesItInReverse) {
               (Lines{"create", "site", "browser advise", "verb -4", "navigate", "document advise",
                      "innerHTML", "document unadvise", "browser unadvise", "close", "no site"}));
     ASSERT_EQ(m_page.Browser.Navigated.size(), 1U);
-    wchar_t module[MAX_PATH];
-    GetModuleFileNameW(nullptr, module, MAX_PATH);
-    EXPECT_EQ(m_page.Browser.Navigated[0], L"res://" + std::wstring(module) + L"/129");
+    EXPECT_EQ(m_page.Browser.Navigated[0], std::wstring(ResourceAddress(129)));
     EXPECT_EQ(m_page.Browser.References, 0);
     EXPECT_EQ(m_page.Document.References, 0);
 }
@@ -195,6 +194,14 @@ TEST_F(Host, WithoutMemoryForThePagesAddressTheDialogIsEmpty) {
     HOOK_IMPORT(allocate, SysAllocString, [](const OLECHAR*) -> BSTR { return nullptr; });
     RunModal(m_dialog, m_page, {Do([&] { ran = true; })});
     EXPECT_TRUE(ran) << "the exception ends at the border to the window manager";
+    EXPECT_TRUE(m_page.Browser.Navigated.empty());
+}
+
+TEST_F(Host, WithoutThePagesAddressTheDialogIsEmpty) {
+    bool ran = false;
+    HOOK_IMPORT(name, GetModuleFileNameW, [](HMODULE, LPWSTR, DWORD) -> DWORD { return 0; });
+    RunModal(m_dialog, m_page, {Do([&] { ran = true; })});
+    EXPECT_TRUE(ran);
     EXPECT_TRUE(m_page.Browser.Navigated.empty());
 }
 

@@ -82,8 +82,7 @@ class Page(unittest.TestCase):
         session = Session("Chromium", 96, "development")
         try:
             session.start()
-            page = session.wait_for_page(lambda page: page["contentHeight"] <= page["window"]["height"],
-                                         "the whole page")
+            page = session.wait_for_layout()
             session.save_picture(BUILD / "page-in-launcher.png")
             session.end()
         finally:

@@ -117,7 +117,7 @@ class Links(EndToEnd):
     def test_every_link(self):
         session = self.session
         session.start()
-        session.wait_for_page(lambda page: page["contentHeight"] <= page["window"]["height"], "the whole page")
+        session.wait_for_layout()
         self.assertEqual([box["id"] for box in session.page()["boxes"] if box["class"] == "item"],
                          [item for item, _ in LINKS])
         self.open_with_explorer("FOLDERS_0", LIBRARY + "KOR")

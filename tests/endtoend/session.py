@@ -27,6 +27,12 @@ class Session(ControlCenter):
         lines = self.prefix.run(BUILD / "release/tests/endtoend/metrics.exe").decode().splitlines()
         return {name: int(value) for name, value in (line.split() for line in lines if line.strip())}
 
+    def wait_for_layout(self):
+        """The page in the window that it gives itself at 96 DPI. Before, the window has the template's width."""
+        metrics = self.metrics()
+        width = metrics["SM_CXVSCROLL"] + 2 * (metrics["SM_CYDLGFRAME"] + 320)
+        return self.wait_for_page(lambda page: page["window"]["width"] < width, "the page in its window")
+
     def refresh(self):
         """Presses F5 and gives back the page that was written for it. The window gets its size after that."""
         before = self.page()["writes"]

@@ -43,8 +43,18 @@ HRESULT HostFrame::GetWindow(HWND* window) {
 }
 
 HRESULT HostUiHandler::GetHostInfo(DOCHOSTUIINFO* info) {
-    info->dwFlags = DOCHOSTUIFLAG_FLAT_SCROLLBAR;
+    info->dwFlags = m_host.hostFlags;
     return S_OK;
+}
+
+HRESULT HostUiHandler::ShowContextMenu(DWORD, POINT*, IUnknown*, IDispatch*) {
+    return m_host.menuAnswer;
+}
+
+HRESULT HostUiHandler::GetDropTarget(IDropTarget* proposed, IDropTarget** target) {
+    m_host.proposedDropTarget = proposed;
+    *target = nullptr;
+    return m_host.ownDropTarget != nullptr ? m_host.ownDropTarget.CopyTo(target) : E_NOTIMPL;
 }
 
 HRESULT HostUiHandler::TranslateAccelerator(LPMSG message, const GUID*, DWORD) {
@@ -103,6 +113,10 @@ HRESULT BrowserHost::Query(REFIID iid, void** object) {
 }
 
 bool BrowserHost::Open(const wchar_t* page) {
+    return Start(page) && PumpUntil([this] { return m_complete; });
+}
+
+bool BrowserHost::Start(const wchar_t* page) {
     ComPtr<IOleObject> object;
     ComPtr<IConnectionPointContainer> container;
     RECT area = {};
@@ -131,10 +145,14 @@ bool BrowserHost::Open(const wchar_t* page) {
     const HRESULT result = m_browser->Navigate2(&target, &nothing, &nothing, &nothing, &nothing);
     m_navigating = false;
     VariantClear(&target);
-    return SUCCEEDED(result) && PumpUntil([this] { return m_complete; });
+    return SUCCEEDED(result);
 }
 
-void BrowserHost::HearBrowser(DISPID id, DISPPARAMS&) {
+void BrowserHost::HearBrowser(DISPID id, DISPPARAMS& parameters) {
+    browserEvents.push_back(id);
+    if (onBrowserEvent) {
+        onBrowserEvent(id, parameters);
+    }
     if (id == DISPID_DOCUMENTCOMPLETE) {
         m_complete = true;
         m_completedInsideNavigate = m_navigating;
@@ -193,6 +211,7 @@ ULONG BrowserHost::Close() {
     }
     object.Reset();
     m_browser.Reset();
+    proposedDropTarget.Reset();
     DestroyWindow(m_window);
     m_window = nullptr;
     PumpPending();

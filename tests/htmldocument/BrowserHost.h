@@ -83,6 +83,9 @@ public:
     using HostPart::HostPart;
     ~HostUiHandler() override = default;
     HRESULT STDMETHODCALLTYPE GetHostInfo(DOCHOSTUIINFO* info) override;
+    HRESULT STDMETHODCALLTYPE ShowContextMenu(DWORD menu, POINT* at, IUnknown* commands,
+                                              IDispatch* object) override;
+    HRESULT STDMETHODCALLTYPE GetDropTarget(IDropTarget* proposed, IDropTarget** target) override;
     HRESULT STDMETHODCALLTYPE TranslateAccelerator(LPMSG message, const GUID* group,
                                                    DWORD command) override;
 };
@@ -116,6 +119,8 @@ public:
 
     // Goes to the page of this program's resources and waits until it is complete.
     bool Open(const wchar_t* page = L"129");
+    // The same without waiting.
+    bool Start(const wchar_t* page = L"129");
     // Takes everything down in order; afterwards the number of references that others still hold.
     ULONG Close();
     // Handles messages until the condition holds; false after the deadline.
@@ -134,11 +139,17 @@ public:
     void Resize(SIZE client) const;
 
     // Changes how the host behaves.
+    DWORD hostFlags = DOCHOSTUIFLAG_FLAT_SCROLLBAR;
     HRESULT keyAnswer = S_FALSE;
+    HRESULT menuAnswer = S_OK;
+    ComPtr<IDropTarget> ownDropTarget = nullptr; // null: the engine's
+    std::function<void(DISPID, DISPPARAMS&)> onBrowserEvent = nullptr;
     std::function<void(const HeardEvent&, IHTMLElement&)> onEvent = nullptr;
     // What happened.
     std::vector<HeardEvent> events;
     std::vector<UINT> keyMessages;
+    std::vector<DISPID> browserEvents;
+    ComPtr<IDropTarget> proposedDropTarget = nullptr;
 
 private:
     friend class HostInPlaceSite;

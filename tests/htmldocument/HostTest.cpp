@@ -19,7 +19,7 @@ void HostTest::SetUpTestSuite() {
 void HostTest::SetUp() {
     DeleteFileW(TracePath().c_str());
     SetEnvironmentVariableW(L"KOR_HTML_TRACE", TracePath().c_str());
-    SetEnvironmentVariableW(L"KOR_HTML_LOAD", nullptr);
+    SetEnvironmentVariableW(L"KOR_HTML_MODES", nullptr);
 }
 
 void HostTest::TearDown() {

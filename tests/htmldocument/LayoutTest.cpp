@@ -54,6 +54,17 @@ TEST_F(LayoutTest, TheColumnsOfTheGridAreEven) {
     }
 }
 
+TEST_F(LayoutTest, ThePageHasMarginsOf10And15Pixels) {
+    for (const double scale : {1.0, 1.5}) {
+        Load(L"<table id=t width=100%><tr><td>x</table>");
+        const Area table = AreaOf(L"t", 700, scale);
+        EXPECT_DOUBLE_EQ(10 * scale, table.x);
+        EXPECT_DOUBLE_EQ(15 * scale, table.y);
+        EXPECT_DOUBLE_EQ(700 - 20 * scale, table.width);
+        EXPECT_DOUBLE_EQ(table.y + table.height + 15 * scale, m_page.LayoutFor(700, scale).height);
+    }
+}
+
 TEST_F(LayoutTest, ABlockThatIsTooLongForItsColumnWidensTheTable) {
     Load(L"<table id=t width=100%><tr><td id=a width=50%>x<td id=b width=50%>" +
          std::wstring(300, L'w') + L"</table>");

@@ -24,7 +24,7 @@ TEST_F(LoadTest, CompletesAfterNavigate) {
 }
 
 TEST_F(LoadTest, CompletesInsideNavigateWhenToldTo) {
-    SetEnvironmentVariableW(L"KOR_HTML_LOAD", L"at-once");
+    SetEnvironmentVariableW(L"KOR_HTML_MODES", L"at-once");
     host = std::make_unique<BrowserHost>();
     ASSERT_TRUE(host->Open());
     EXPECT_TRUE(host->CompletedInsideNavigate());
@@ -62,7 +62,7 @@ TEST_F(LoadTest, APageThatIsMissingCompletesEmpty) {
 TEST_F(LoadTest, ADocumentThatIsDroppedWhileItLoadsIsGone) {
     OleInitialize(nullptr);
     for (const wchar_t* mode : {L"", L"at-once"}) {
-        SetEnvironmentVariableW(L"KOR_HTML_LOAD", mode);
+        SetEnvironmentVariableW(L"KOR_HTML_MODES", mode);
         ComPtr<IPersistMoniker> persist;
         ComPtr<IMoniker> moniker;
         ASSERT_EQ(S_OK, CoCreateInstance(__uuidof(HTMLDocument), nullptr, CLSCTX_INPROC_SERVER,

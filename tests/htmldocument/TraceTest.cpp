@@ -151,7 +151,30 @@ TEST_F(TraceTest, ScrollsWhereThePageIsTallerThanTheWindow) {
 
     host->Write(L"Sections", L"short");
     EXPECT_EQ(0, scrolled());
-    EXPECT_FALSE(HasBar(window, WS_VSCROLL));
+    EXPECT_TRUE(HasBar(window, WS_VSCROLL)) << "the bar stands there without a use";
+}
+
+TEST_F(TraceTest, BorderAndBarTakeTheirRoomUnlessTheHostDeclinesThem) {
+    const LONG border = 2 * GetSystemMetrics(SM_CXEDGE);
+    const LONG bar = GetSystemMetrics(SM_CXVSCROLL);
+    const struct {
+        DWORD flags;
+        LONG less;
+    } cases[] = {{0, border + bar},
+                 {DOCHOSTUIFLAG_FLAT_SCROLLBAR, border + bar},
+                 {DOCHOSTUIFLAG_NO3DBORDER, bar},
+                 {DOCHOSTUIFLAG_SCROLL_NO, border},
+                 {DOCHOSTUIFLAG_NO3DBORDER | DOCHOSTUIFLAG_SCROLL_NO, 0}};
+    for (const auto& c : cases) {
+        host = std::make_unique<BrowserHost>(SIZE{680, 600});
+        host->hostFlags = c.flags;
+        ASSERT_TRUE(host->Open());
+        RECT client = {};
+        GetClientRect(host->DocumentWindow(), &client);
+        EXPECT_EQ(680 - c.less, client.right) << c.flags;
+        EXPECT_EQ(client.right, Trace()[L"window"][L"width"].Int());
+        EXPECT_EQ(0U, host->Close());
+    }
 }
 
 TEST_F(TraceTest, ANarrowWindowScrollsSideways) {

@@ -3,6 +3,10 @@
 
 #include <mshtml.h>
 
+#include <algorithm>
+
+#include "wine/htmldocument/Document.h"
+
 namespace html {
 
 HRESULT ConnectionPoint::QueryInterface(REFIID iid, void** object) {
@@ -40,6 +44,9 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
         return E_POINTER;
     }
     *cookie = 0;
+    if (Modes::CallFails()) {
+        return E_OUTOFMEMORY;
+    }
     ComPtr<IUnknown> connected;
     void** const out = reinterpret_cast<void**>(connected.GetAddressOf());
     if (FAILED(sink->QueryInterface(m_sinkInterface, out)) &&
@@ -49,6 +56,7 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
     }
     *cookie = ++m_lastCookie;
     m_sinks[*cookie] = connected;
+    m_stale.erase(std::remove(m_stale.begin(), m_stale.end(), connected), m_stale.end());
     return S_OK;
 }
 
@@ -60,18 +68,25 @@ HRESULT ConnectionPoint::Unadvise(DWORD cookie) {
     // The sink may come back to this list when it is released.
     const ComPtr<IUnknown> sink = found->second;
     m_sinks.erase(found);
+    if (m_keepsStale) {
+        m_stale.push_back(sink);
+    }
     return S_OK;
 }
 
-ConnectionPoints::ConnectionPoints(IUnknown& owner)
-    : Face(owner), m_propertyNotify(*this, IID_IPropertyNotifySink),
-      m_events(*this, __uuidof(HTMLDocumentEvents2)) {}
+ConnectionPoints::ConnectionPoints(Document& owner)
+    : Face(owner), m_document(owner), m_propertyNotify(*this, IID_IPropertyNotifySink, false),
+      m_events(*this, __uuidof(HTMLDocumentEvents2), owner.Has(Mode::StaleSinks)) {}
 
 HRESULT ConnectionPoints::FindConnectionPoint(REFIID iid, IConnectionPoint** point) {
     if (point == nullptr) {
         return E_POINTER;
     }
     *point = nullptr;
+    if (Modes::CallFails() ||
+        (iid == m_events.SinkInterface() && m_document.Has(Mode::RefusesOptional))) {
+        return CONNECT_E_NOCONNECTION;
+    }
     for (ConnectionPoint* known : {&m_propertyNotify, &m_events}) {
         if (iid == known->SinkInterface()) {
             *point = known;

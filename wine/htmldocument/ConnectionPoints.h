@@ -2,18 +2,22 @@
 #pragma once
 
 #include <map>
+#include <vector>
 
 #include "Stubs.h"
 #include "wine/htmldocument/ComObjects.h"
 
 namespace html {
 
+class Document;
+
 // A connection point has its own identity, but lives as long as the document.
 class ConnectionPoint final : public IConnectionPointStub {
 public:
     // sinkInterface: what sinks must answer for; events also go to a sink that has IDispatch only.
-    ConnectionPoint(IConnectionPointContainer& container, REFIID sinkInterface)
-        : m_container(container), m_sinkInterface(sinkInterface) {}
+    // keepsStale: sinks go on hearing events once they have left.
+    ConnectionPoint(IConnectionPointContainer& container, REFIID sinkInterface, bool keepsStale)
+        : m_container(container), m_sinkInterface(sinkInterface), m_keepsStale(keepsStale) {}
     ConnectionPoint(const ConnectionPoint&) = delete;
     ConnectionPoint& operator=(const ConnectionPoint&) = delete;
     ~ConnectionPoint() override = default;
@@ -35,19 +39,27 @@ public:
                 function(*static_cast<Interface*>(entry.second.Get()));
             }
         }
+        const std::vector<ComPtr<IUnknown>> stale = m_stale;
+        for (const ComPtr<IUnknown>& sink : stale) {
+            function(*static_cast<Interface*>(sink.Get()));
+        }
     }
+    bool HasStale() const { return !m_stale.empty(); }
+    void ForgetStale() { m_stale.clear(); }
     REFIID SinkInterface() const { return m_sinkInterface; }
 
 private:
     IConnectionPointContainer& m_container;
     const IID m_sinkInterface;
+    const bool m_keepsStale;
     std::map<DWORD, ComPtr<IUnknown>> m_sinks; // each the sink interface itself
+    std::vector<ComPtr<IUnknown>> m_stale;     // those that left and did not come back
     DWORD m_lastCookie = 0;
 };
 
 class ConnectionPoints final : public Face<IConnectionPointContainerStub> {
 public:
-    explicit ConnectionPoints(IUnknown& owner);
+    explicit ConnectionPoints(Document& owner);
     ~ConnectionPoints() override = default;
     HRESULT STDMETHODCALLTYPE FindConnectionPoint(REFIID iid, IConnectionPoint** point) override;
 
@@ -55,8 +67,11 @@ public:
     void NotifyChanged(DISPID property);
     // Fires an event of the document.
     void FireEvent(DISPID id, IDispatch& eventObject);
+    bool HasStale() const { return m_events.HasStale(); }
+    void ForgetStale() { m_events.ForgetStale(); }
 
 private:
+    Document& m_document;
     ConnectionPoint m_propertyNotify;
     ConnectionPoint m_events;
 };

@@ -1,21 +1,32 @@
 // Identity, loading and changes of the document.
 #include "wine/htmldocument/Document.h"
 
+#include <mshtmdid.h>
+
 #include <algorithm>
+#include <functional>
 
 namespace html {
 namespace {
 
 constexpr size_t MaxUrlLength = 2084;
-constexpr wchar_t LoadVariable[] = L"KOR_HTML_LOAD";
-constexpr std::wstring_view LoadAtOnce = L"at-once";
+constexpr DWORD LateMilliseconds = 300; // what the last part of a page is late by
+constexpr LONG ResourceNotFound = static_cast<LONG>(0x800C0005);
+// As the engine's own page it has a heading and something to click.
+constexpr std::wstring_view ErrorPage =
+    L"<h2>This page cannot be displayed</h2><span class=item id=KOR_0>Refresh the page</span>";
 
-// A host has to cope with a document that is complete as soon as it is asked to load, as a cached
-// page is. This switch makes every page such a page.
-bool LoadsAtOnce() {
-    wchar_t value[16] = {};
-    const DWORD length = GetEnvironmentVariableW(LoadVariable, value, ARRAYSIZE(value));
-    return std::wstring_view(value, std::min<size_t>(length, ARRAYSIZE(value) - 1)) == LoadAtOnce;
+// The first element of the class in document order; null where there is none.
+Node* FindByClass(Node& node, std::wstring_view name) {
+    if (node.HasClass(name)) {
+        return &node;
+    }
+    for (const NodePtr& child : node.Children()) {
+        if (Node* const found = FindByClass(*child, name)) {
+            return found;
+        }
+    }
+    return nullptr;
 }
 
 // Pages without a mark are 8-bit text of the system's code page.
@@ -58,25 +69,28 @@ HRESULT Document::QueryInterface(REFIID iid, void** object) {
     const struct {
         const IID& iid;
         IUnknown* face;
+        bool optional;
     } faces[] = {
-        {IID_IUnknown, this},
-        {IID_IDispatch, &m_document2},
-        {IID_IHTMLDocument, &m_document2},
-        {IID_IHTMLDocument2, &m_document2},
-        {IID_IHTMLDocument3, &m_document3},
-        {IID_IPersist, &m_persistMoniker},
-        {IID_IPersistMoniker, &m_persistMoniker},
-        {IID_IOleObject, &m_oleObject},
-        {IID_IOleDocument, &m_oleDocument},
-        {IID_IOleCommandTarget, &m_commandTarget},
-        {IID_IOleDocumentView, &m_documentView},
-        {IID_IOleWindow, &m_inPlaceObject},
-        {IID_IOleInPlaceObject, &m_inPlaceObject},
-        {IID_IOleInPlaceActiveObject, &m_activeObject},
-        {IID_IConnectionPointContainer, &m_connections},
+        {IID_IUnknown, this, false},
+        {IID_IDispatch, &m_document2, false},
+        {IID_IHTMLDocument, &m_document2, false},
+        {IID_IHTMLDocument2, &m_document2, false},
+        {IID_IHTMLDocument3, &m_document3, true},
+        {IID_IPersist, &m_persistMoniker, false},
+        {IID_IPersistMoniker, &m_persistMoniker, false},
+        {IID_IOleObject, &m_oleObject, false},
+        {IID_IOleDocument, &m_oleDocument, false},
+        {IID_IOleCommandTarget, &m_commandTarget, true},
+        {IID_IOleDocumentView, &m_documentView, false},
+        {IID_IOleWindow, &m_inPlaceObject, false},
+        {IID_IOleInPlaceObject, &m_inPlaceObject, false},
+        {IID_IOleInPlaceActiveObject, &m_activeObject, true},
+        {IID_IConnectionPointContainer, &m_connections, false},
     };
+    // Identity must hold at all times; everything else may be refused.
+    const bool refused = iid != IID_IUnknown && Modes::CallFails();
     for (const auto& known : faces) {
-        if (iid == known.iid) {
+        if (iid == known.iid && !refused && !(known.optional && Has(Mode::RefusesOptional))) {
             *object = known.face;
             known.face->AddRef();
             return S_OK;
@@ -108,15 +122,25 @@ std::wstring Document::Url() const {
     return url;
 }
 
+void Document::SetClientSite(IOleClientSite* site) {
+    m_control.Attach(site);
+    m_view.SetHost(site);
+}
+
 void Document::Load(IMoniker* moniker) {
     m_moniker = moniker;
-    Reload();
+    StartLoading(false);
+}
+
+void Document::Reload() {
+    StartLoading(Has(Mode::SilentRefresh));
 }
 
 // Whoever navigates gets the chance to listen before the document says that it is complete.
-void Document::Reload() {
+void Document::StartLoading(bool silently) {
+    m_silently = silently;
     EnterState(READYSTATE_LOADING);
-    if (LoadsAtOnce()) {
+    if (Has(Mode::AtOnce)) {
         BeginLoading();
     } else {
         m_posted.Post([this] { BeginLoading(); });
@@ -126,11 +150,16 @@ void Document::Reload() {
 void Document::BeginLoading() {
     const ComPtr<Document> self = this;
     const ComPtr<IMoniker> moniker = m_moniker;
+    TellDownload(true);
     for (const ComPtr<ResourceLoad>& load : m_loads) {
         load->Forget();
     }
     m_loads.clear();
     m_imagesUnderWay = 0;
+    if (Has(Mode::NavigationFails)) {
+        FailNavigation();
+        return;
+    }
     const ComPtr<ResourceLoad> load = Adopt(new ResourceLoad(
         [this](HRESULT result, const std::string& bytes) { PageArrived(result, bytes); }));
     m_loads.push_back(load);
@@ -138,12 +167,33 @@ void Document::BeginLoading() {
 }
 
 void Document::PageArrived(HRESULT result, const std::string& bytes) {
+    ShowPage(SUCCEEDED(result) ? DecodePage(bytes) : std::wstring());
+}
+
+// The download of the page is over when its pictures are still to come: that is another one.
+void Document::ShowPage(std::wstring_view markup) {
     const ComPtr<Document> self = this;
-    m_page.Load(SUCCEEDED(result) ? DecodePage(bytes) : std::wstring());
+    m_page.Load(markup);
     EnterState(READYSTATE_INTERACTIVE);
+    TellDownload(false);
+    TellDownload(true);
     LoadImages();
     PageChanged();
     CompleteIfReady();
+}
+
+void Document::FailNavigation() {
+    if (m_control.FireNavigateError(Url(), ResourceNotFound)) {
+        TellDownload(false);
+    } else {
+        ShowPage(ErrorPage);
+    }
+}
+
+void Document::TellDownload(bool begins) const {
+    if (m_silently || Has(Mode::DownloadEvents)) {
+        m_control.FireDownload(begins);
+    }
 }
 
 void Document::LoadImages() {
@@ -174,15 +224,40 @@ void Document::ImageArrived(const std::wstring& source, const std::string& bytes
 }
 
 void Document::CompleteIfReady() {
-    if (m_readyState == READYSTATE_INTERACTIVE && m_imagesUnderWay == 0) {
-        EnterState(READYSTATE_COMPLETE);
-        TraceState();
+    if (m_readyState != READYSTATE_INTERACTIVE || m_imagesUnderWay != 0) {
+        return;
     }
+    if (Has(Mode::LateComplete)) {
+        m_posted.Post([this] { Complete(); }, LateMilliseconds);
+    } else {
+        Complete();
+    }
+}
+
+// Whoever hears of the download's end finds a complete document.
+void Document::Complete() {
+    const ComPtr<Document> self = this;
+    m_readyState = READYSTATE_COMPLETE;
+    TellDownload(false);
+    EnterState(READYSTATE_COMPLETE);
+    TraceState();
+    if (!m_silently && Has(Mode::DownloadEvents) && m_moniker != nullptr) {
+        m_posted.Post([this] { DownloadLate(); }, LateMilliseconds);
+    }
+}
+
+// Pages load parts of theirs when they are complete already.
+void Document::DownloadLate() {
+    const ComPtr<Document> self = this;
+    TellDownload(true);
+    TellDownload(false);
 }
 
 void Document::EnterState(READYSTATE state) {
     m_readyState = state;
-    m_connections.NotifyChanged(DISPID_READYSTATE);
+    if (!m_silently) {
+        m_connections.NotifyChanged(DISPID_READYSTATE);
+    }
 }
 
 void Document::PageChanged() {
@@ -216,17 +291,69 @@ void Document::Fire(const MouseEvent& event) {
     m_connections.FireEvent(event.id, *object.Get());
 }
 
+void Document::FollowLink(const Node& element) {
+    const Node* link = &element;
+    while (link != nullptr && (link->Tag() != L"a" || link->FindAttribute(L"href") == nullptr)) {
+        link = link->Parent();
+    }
+    if (link == nullptr) {
+        return;
+    }
+    const ComPtr<Document> self = this;
+    const std::wstring url = link->AttributeOr(L"href", L"");
+    ComPtr<IMoniker> moniker;
+    if (link->AttributeOr(L"target", L"") == L"_blank") {
+        if (!m_control.FireNewWindow()) {
+            ++m_trace.newWindows;
+            TraceState();
+        }
+    } else if (!Has(Mode::UnaskedNavigation)) {
+        m_control.Navigate(url);
+    } else if (SUCCEEDED(CreateURLMoniker(nullptr, url.c_str(), moniker.GetAddressOf()))) {
+        Load(moniker.Get());
+    }
+}
+
+void Document::CountMenu() {
+    ++m_trace.menus;
+    TraceState();
+}
+
 void Document::TraceState() {
+    if (!m_trace.IsWanted()) {
+        return;
+    }
+    m_trace.url = Url();
+    m_trace.downloadControl = m_control.DownloadControl();
+    m_trace.oddities = Has(Mode::AsksEverything) ? m_control.AskForEverything() : std::string();
     m_trace.Write(m_page, m_view.Window(), m_readyState == READYSTATE_COMPLETE);
 }
 
+// As if the pointer had been on a link when the host let go of the document.
+void Document::FireStaleClick() {
+    Node* const item = FindByClass(m_page.Root(), L"item");
+    if (item == nullptr || !m_connections.HasStale()) {
+        return;
+    }
+    const NodePtr element = item->shared_from_this();
+    constexpr DISPID Events[] = {static_cast<DISPID>(DISPID_HTMLDOCUMENTEVENTS2_ONMOUSEOVER),
+                                 static_cast<DISPID>(DISPID_HTMLDOCUMENTEVENTS2_ONCLICK),
+                                 static_cast<DISPID>(DISPID_HTMLDOCUMENTEVENTS2_ONMOUSEOUT)};
+    for (const DISPID id : Events) {
+        Fire({id, L"", element, element, element, {}, 0});
+    }
+    m_connections.ForgetStale();
+}
+
 void Document::Close() {
+    FireStaleClick();
     for (const ComPtr<ResourceLoad>& load : m_loads) {
         load->Forget();
     }
     m_loads.clear();
     m_posted.Cancel();
     m_view.Close();
+    m_control.Attach(nullptr);
     m_moniker.Reset();
 }
 

@@ -11,10 +11,12 @@
 #include "Stubs.h"
 #include "wine/htmldocument/ComObjects.h"
 #include "wine/htmldocument/ConnectionPoints.h"
+#include "wine/htmldocument/Control.h"
 #include "wine/htmldocument/DocumentDom.h"
 #include "wine/htmldocument/DocumentOle.h"
 #include "wine/htmldocument/EventObject.h"
 #include "wine/htmldocument/InPlaceView.h"
+#include "wine/htmldocument/Modes.h"
 #include "wine/htmldocument/Page.h"
 #include "wine/htmldocument/PostedCall.h"
 #include "wine/htmldocument/ResourceLoad.h"
@@ -39,6 +41,8 @@ public:
     IMoniker* Moniker() const { return m_moniker.Get(); }
     std::wstring Url() const;
     READYSTATE ReadyState() const { return m_readyState; }
+    // The client site leads to the control and to the host; null lets go of both.
+    void SetClientSite(IOleClientSite* site);
     // Ends loading and the view, and lets go of the host.
     void Close();
 
@@ -47,30 +51,46 @@ public:
     void SetInlineStyle(Node& element, std::wstring_view property, std::wstring value);
     void SetAttribute(Node& element, std::wstring_view name, std::wstring value);
 
+    bool Has(Mode mode) const { return m_modes.Has(mode); }
     Page& GetPage() { return m_page; }
+    const Control& GetControl() const { return m_control; }
     InPlaceView& View() { return m_view; }
     ConnectionPoints& Connections() { return m_connections; }
     IOleInPlaceActiveObject& ActiveObject() { return m_activeObject; }
     void Fire(const MouseEvent& event);
+    // What a click does by itself: it goes where the link around the element leads.
+    void FollowLink(const Node& element);
+    // Notes that the engine showed a menu of its own.
+    void CountMenu();
     // Writes down what the page looks like now, if anybody wants to know.
     void TraceState();
 
 private:
     Document();
     ~Document() override;
+    void StartLoading(bool silently);
     void BeginLoading();
     void PageArrived(HRESULT result, const std::string& bytes);
+    void ShowPage(std::wstring_view markup);
+    void FailNavigation();
+    void TellDownload(bool begins) const;
+    void DownloadLate();
+    void FireStaleClick();
     void LoadImages();
     void ImageArrived(const std::wstring& source, const std::string& bytes);
     void EnterState(READYSTATE state);
     void CompleteIfReady();
+    void Complete();
     void PageChanged();
 
     ModuleLock m_lock;
     std::atomic<ULONG> m_references = 1;
+    const Modes m_modes = Modes::FromEnvironment();
+    Control m_control;
     Page m_page;
     ComPtr<IMoniker> m_moniker;
     READYSTATE m_readyState = READYSTATE_UNINITIALIZED;
+    bool m_silently = false; // the control is not told of this load
     std::vector<ComPtr<ResourceLoad>> m_loads;
     size_t m_imagesUnderWay = 0;
     PostedCall m_posted;

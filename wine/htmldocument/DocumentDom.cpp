@@ -16,6 +16,9 @@ HRESULT Document2::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPA
         if (answer == nullptr) {
             return E_POINTER;
         }
+        if (Modes::CallFails()) {
+            return E_FAIL;
+        }
         V_VT(answer) = VT_I4;
         V_I4(answer) = m_document.ReadyState();
         return S_OK;

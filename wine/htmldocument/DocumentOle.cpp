@@ -19,6 +19,9 @@ HRESULT PersistMoniker::Load(BOOL, IMoniker* moniker, LPBC, DWORD) {
     if (moniker == nullptr) {
         return E_INVALIDARG;
     }
+    if (Modes::CallFails()) {
+        return E_FAIL;
+    }
     m_document.Load(moniker);
     return S_OK;
 }
@@ -38,8 +41,11 @@ HRESULT PersistMoniker::GetCurMoniker(IMoniker** moniker) {
 OleObject::OleObject(Document& document) : Face(document), m_document(document) {}
 
 HRESULT OleObject::SetClientSite(IOleClientSite* site) {
+    if (site != nullptr && Modes::CallFails()) {
+        return E_FAIL;
+    }
     m_site = site;
-    m_document.View().SetHost(site);
+    m_document.SetClientSite(site);
     return S_OK;
 }
 
@@ -109,7 +115,7 @@ HRESULT OleDocument::CreateView(IOleInPlaceSite* site, IStream* state, DWORD,
         return E_POINTER;
     }
     *view = nullptr;
-    if (state != nullptr) {
+    if (state != nullptr || Modes::CallFails()) {
         return E_NOTIMPL;
     }
     if (site != nullptr) {

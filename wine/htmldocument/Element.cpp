@@ -16,6 +16,9 @@ HRESULT GiveText(const std::wstring& text, BSTR* value) {
         return E_POINTER;
     }
     *value = nullptr;
+    if (Modes::CallFails()) {
+        return E_OUTOFMEMORY;
+    }
     if (!text.empty()) {
         *value = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
     }
@@ -40,6 +43,9 @@ HRESULT Element::Of(Document& document, Node* node, IHTMLElement** element) {
         return E_POINTER;
     }
     *element = nullptr;
+    if (Modes::CallFails()) {
+        return E_FAIL;
+    }
     if (node == nullptr) {
         return S_OK;
     }
@@ -93,6 +99,10 @@ HRESULT Element::get_style(IHTMLStyle** style) {
     if (style == nullptr) {
         return E_POINTER;
     }
+    *style = nullptr;
+    if (Modes::CallFails()) {
+        return E_FAIL;
+    }
     *style = &m_style;
     m_style.AddRef();
     return S_OK;
@@ -126,6 +136,9 @@ HRESULT Element::contains(IHTMLElement* child, VARIANT_BOOL* result) {
 HRESULT Element::put_innerHTML(BSTR value) {
     if (IsVoidTag(m_node->Tag())) {
         return InvalidTarget;
+    }
+    if (Modes::CallFails()) {
+        return E_OUTOFMEMORY;
     }
     m_document->WriteInnerHtml(*m_node, ViewOf(value));
     return S_OK;

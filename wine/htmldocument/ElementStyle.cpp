@@ -51,6 +51,9 @@ std::wstring ElementStyle::Value(std::wstring_view property) const {
 }
 
 HRESULT ElementStyle::put_color(VARIANT value) {
+    if (Modes::CallFails()) {
+        return E_FAIL;
+    }
     std::wstring text;
     if (V_VT(&value) == VT_I4) {
         text = ColorText(static_cast<ULONG>(V_I4(&value)));
@@ -77,6 +80,9 @@ HRESULT ElementStyle::get_color(VARIANT* value) {
 }
 
 HRESULT ElementStyle::put_cursor(BSTR value) {
+    if (Modes::CallFails()) {
+        return E_FAIL;
+    }
     const std::wstring text = LowerAscii(Trim(ViewOf(value)));
     if (!text.empty() &&
         std::find(std::begin(Cursors), std::end(Cursors), text) == std::end(Cursors)) {

@@ -24,7 +24,9 @@ void InPlaceView::SetHost(IOleClientSite* site) {
         const bool known = SUCCEEDED(m_handler->GetHostInfo(&info));
         CoTaskMemFree(info.pchHostCss);
         CoTaskMemFree(info.pchHostNS);
-        m_window.AllowScrollBars(!known || (info.dwFlags & DOCHOSTUIFLAG_SCROLL_NO) == 0);
+        const DWORD flags = known ? info.dwFlags : 0;
+        m_window.AllowScrollBars((flags & DOCHOSTUIFLAG_SCROLL_NO) == 0);
+        m_window.AllowBorder((flags & DOCHOSTUIFLAG_NO3DBORDER) == 0);
     }
 }
 
@@ -62,7 +64,34 @@ HRESULT InPlaceView::Show() {
         IsRectEmpty(&m_area)) {
         m_area = area;
     }
-    return m_window.Create(parent, m_area) ? S_OK : E_FAIL;
+    if (!m_window.Create(parent, m_area)) {
+        return E_FAIL;
+    }
+    TakeDrops();
+    return S_OK;
+}
+
+// The host may give a target of its own in place of the engine's.
+void InPlaceView::TakeDrops() {
+    if (!m_document.Has(Mode::Drops)) {
+        return;
+    }
+    m_dropTarget = Adopt(new DropTarget(m_document.GetControl()));
+    const ComPtr<IDocHostUIHandler> handler = m_document.GetControl().HostHandler();
+    ComPtr<IDropTarget> own;
+    if (handler == nullptr ||
+        FAILED(handler->GetDropTarget(m_dropTarget.Get(), own.GetAddressOf())) || own == nullptr) {
+        own = m_dropTarget.Get();
+    }
+    RegisterDragDrop(m_window.Handle(), own.Get());
+}
+
+void InPlaceView::RefuseDrops() {
+    if (m_dropTarget != nullptr) {
+        RevokeDragDrop(m_window.Handle());
+        m_dropTarget->Forget();
+        m_dropTarget.Reset();
+    }
 }
 
 void InPlaceView::Hide() {
@@ -96,6 +125,7 @@ void InPlaceView::Deactivate() {
     UIActivate(false);
     m_frame.Reset();
     if (m_window.Handle() != nullptr) {
+        RefuseDrops();
         m_window.Destroy();
         const ComPtr<IOleInPlaceSite> site = m_site;
         site->OnInPlaceDeactivate();
@@ -113,11 +143,53 @@ void InPlaceView::Close() {
 }
 
 HRESULT InPlaceView::TranslateKey(MSG& message) {
+    const ComPtr<Document> self = &m_document;
     const ComPtr<IDocHostUIHandler> handler = m_handler;
-    if (handler != nullptr && handler->TranslateAccelerator(&message, &MshtmlCommands, 0) == S_OK) {
+    const bool isKeyUp = message.message == WM_KEYUP || message.message == WM_SYSKEYUP;
+    const bool asks = (m_clicked || !m_document.Has(Mode::AskedAfterClick)) &&
+                      !(isKeyUp && m_document.Has(Mode::NoKeyUps));
+    if (asks && handler != nullptr &&
+        handler->TranslateAccelerator(&message, &MshtmlCommands, 0) == S_OK) {
+        return S_OK;
+    }
+    const bool isRefresh = message.wParam == VK_F5 || message.wParam == VK_BROWSER_REFRESH;
+    if (message.message == WM_KEYDOWN && isRefresh && RefreshByKey()) {
         return S_OK;
     }
     return message.message == WM_KEYDOWN && m_window.HandleKey(message.wParam) ? S_OK : S_FALSE;
+}
+
+bool InPlaceView::RefreshByKey() {
+    if (!m_document.Has(Mode::OwnRefreshKey) || m_document.Moniker() == nullptr) {
+        return false;
+    }
+    m_document.Reload();
+    return true;
+}
+
+void InPlaceView::ShowContextMenu(POINT at) {
+    const ComPtr<Document> self = &m_document;
+    const ComPtr<IDocHostUIHandler> handler = m_handler;
+    ComPtr<IOleCommandTarget> commands;
+    ComPtr<IDispatch> page;
+    self->QueryInterface(IID_IOleCommandTarget, reinterpret_cast<void**>(commands.GetAddressOf()));
+    self->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(page.GetAddressOf()));
+    if (!m_document.Has(Mode::ContextMenu) ||
+        (handler != nullptr &&
+         handler->ShowContextMenu(CONTEXT_MENU_DEFAULT, &at, commands.Get(), page.Get()) == S_OK)) {
+        return;
+    }
+    m_document.CountMenu();
+    constexpr UINT_PTR Refresh = 1;
+    const HMENU menu = CreatePopupMenu();
+    AppendMenuW(menu, MF_STRING | MF_GRAYED, 2, L"&Back");
+    AppendMenuW(menu, MF_STRING, Refresh, L"&Refresh");
+    const BOOL chosen =
+        TrackPopupMenu(menu, TPM_RETURNCMD, at.x, at.y, 0, m_window.Handle(), nullptr);
+    DestroyMenu(menu);
+    if (chosen == static_cast<BOOL>(Refresh) && m_document.Moniker() != nullptr) {
+        m_document.Reload();
+    }
 }
 
 } // namespace html

@@ -8,6 +8,7 @@
 #include <ole2.h>
 
 #include "wine/htmldocument/ComObjects.h"
+#include "wine/htmldocument/DropTarget.h"
 #include "wine/htmldocument/ViewWindow.h"
 
 namespace html {
@@ -37,16 +38,30 @@ public:
 
     // Offers a key message to the host and then to the view. S_OK: somebody took it.
     HRESULT TranslateKey(MSG& message);
+    // Loads the page again, if keys of the engine's own do that; false otherwise.
+    bool RefreshByKey();
+    // The mouse was pressed in the view.
+    void NoteClick() { m_clicked = true; }
+    // Asks the host for a menu at the point of the screen and shows one of the engine's own if the
+    // host has none.
+    void ShowContextMenu(POINT at);
     ViewWindow& Window() { return m_window; }
 
+    // To be called while there still is a window.
+    void RefuseDrops();
+
 private:
+    void TakeDrops();
+
     Document& m_document;
     ViewWindow m_window;
+    ComPtr<DropTarget> m_dropTarget;
     ComPtr<IDocHostUIHandler> m_handler;
     ComPtr<IOleInPlaceSite> m_site;
     ComPtr<IOleInPlaceFrame> m_frame;
     RECT m_area = {};
     bool m_uiActive = false;
+    bool m_clicked = false;
 };
 
 } // namespace html

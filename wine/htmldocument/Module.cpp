@@ -6,6 +6,8 @@
 
 #include "wine/htmldocument/ComObjects.h"
 #include "wine/htmldocument/Document.h"
+#include "wine/htmldocument/Modes.h"
+#include "wine/htmldocument/Trace.h"
 #include "wine/htmldocument/ViewWindow.h"
 
 namespace html {
@@ -20,6 +22,9 @@ public:
             return E_POINTER;
         }
         *object = nullptr;
+        if (Modes::CallFails()) {
+            return E_OUTOFMEMORY;
+        }
         return outer != nullptr ? CLASS_E_NOAGGREGATION : Document::Create(iid, object);
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
@@ -45,8 +50,11 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID processEnds) {
     if (reason == DLL_PROCESS_ATTACH) {
         html::g_instance = instance;
         DisableThreadLibraryCalls(instance);
-    } else if (reason == DLL_PROCESS_DETACH && processEnds == nullptr) {
-        html::ViewWindow::UnregisterWindowClass();
+    } else if (reason == DLL_PROCESS_DETACH) {
+        html::Trace::WriteEnd();
+        if (processEnds == nullptr) {
+            html::ViewWindow::UnregisterWindowClass();
+        }
     }
     return TRUE;
 }
@@ -56,7 +64,7 @@ HRESULT WINAPI DllGetClassObject(REFCLSID id, REFIID iid, void** object) {
         return E_POINTER;
     }
     *object = nullptr;
-    if (id != __uuidof(HTMLDocument)) {
+    if (id != __uuidof(HTMLDocument) || html::Modes::CallFails()) {
         return CLASS_E_CLASSNOTAVAILABLE;
     }
     const html::ComPtr<html::ClassFactory> factory = html::Adopt(new html::ClassFactory);

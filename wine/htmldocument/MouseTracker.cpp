@@ -29,6 +29,7 @@ void MouseTracker::Unpress(const NodePtr& element, POINT client) {
     const NodePtr pressed = std::exchange(m_pressed, nullptr);
     if (element != nullptr && pressed == element) {
         m_document.Fire({Click, L"click", element, nullptr, nullptr, client, 0});
+        m_document.FollowLink(*element);
     }
 }
 

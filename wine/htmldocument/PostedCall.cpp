@@ -8,14 +8,18 @@ namespace {
 constexpr UINT CallMessage = WM_APP;
 }
 
-void PostedCall::Post(std::function<void()> call) {
+void PostedCall::Post(std::function<void()> call, DWORD milliseconds) {
     Cancel();
     m_call = std::move(call);
     m_window =
         CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
     SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     SetWindowLongPtrW(m_window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
-    PostMessageW(m_window, CallMessage, 0, 0);
+    if (milliseconds == 0) {
+        PostMessageW(m_window, CallMessage, 0, 0);
+    } else {
+        SetTimer(m_window, 1, milliseconds, nullptr);
+    }
 }
 
 void PostedCall::Cancel() {
@@ -26,7 +30,7 @@ void PostedCall::Cancel() {
 }
 
 LRESULT CALLBACK PostedCall::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message != CallMessage) {
+    if (message != CallMessage && message != WM_TIMER) {
         return DefWindowProcW(window, message, wParam, lParam);
     }
     auto* const self = reinterpret_cast<PostedCall*>(GetWindowLongPtrW(window, GWLP_USERDATA));

@@ -14,8 +14,8 @@ public:
     PostedCall& operator=(const PostedCall&) = delete;
     ~PostedCall() { Cancel(); }
 
-    // Replaces a call that did not happen yet.
-    void Post(std::function<void()> call);
+    // Replaces a call that did not happen yet. milliseconds: how long it waits at least.
+    void Post(std::function<void()> call, DWORD milliseconds = 0);
     void Cancel();
 
 private:

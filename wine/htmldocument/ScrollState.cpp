@@ -12,7 +12,7 @@ void ScrollState::Update(HWND window, SIZE page, SIZE view, bool vertical, bool 
     ShowScrollBar(window, SB_HORZ, horizontal ? TRUE : FALSE);
     SCROLLINFO info = {};
     info.cbSize = sizeof(info);
-    info.fMask = SIF_RANGE | SIF_PAGE;
+    info.fMask = SIF_RANGE | SIF_PAGE | SIF_DISABLENOSCROLL;
     if (vertical) {
         info.nMax = page.cy - 1;
         info.nPage = static_cast<UINT>(std::max<LONG>(view.cy, 0));

@@ -7,7 +7,7 @@ namespace html {
 
 class ScrollState {
 public:
-    // Sizes in device pixels; a bar is there exactly where the page is larger than the view.
+    // Sizes in device pixels. A vertical bar that has nothing to scroll stands there disabled.
     void Update(HWND window, SIZE page, SIZE view, bool vertical, bool horizontal);
 
     int Left() const { return m_at.x; }

@@ -12,7 +12,8 @@ namespace {
 
 constexpr double MediumFontSize = 16; // CSS pixels
 constexpr double PixelsPerPoint = 96.0 / 72.0;
-constexpr double BodyMargin = 8;
+constexpr double BodyMarginAbove = 15; // and below
+constexpr double BodyMarginBeside = 10;
 constexpr double ListIndent = 40;
 constexpr double DefaultCellSpacing = 2;
 constexpr double DefaultCellPadding = 1;
@@ -308,10 +309,10 @@ void ApplyAttributes(const Node& element, const Style& parent, double scale, Sty
         ParseAlign(align, style.textAlign);
     }
     if (element.Tag() == L"body") {
-        style.margin.top = AttributeLength(element, L"topmargin", scale, BodyMargin);
-        style.margin.bottom = AttributeLength(element, L"bottommargin", scale, BodyMargin);
-        style.margin.left = AttributeLength(element, L"leftmargin", scale, BodyMargin);
-        style.margin.right = AttributeLength(element, L"rightmargin", scale, BodyMargin);
+        style.margin.top = AttributeLength(element, L"topmargin", scale, BodyMarginAbove);
+        style.margin.bottom = AttributeLength(element, L"bottommargin", scale, BodyMarginAbove);
+        style.margin.left = AttributeLength(element, L"leftmargin", scale, BodyMarginBeside);
+        style.margin.right = AttributeLength(element, L"rightmargin", scale, BodyMarginBeside);
     } else if (style.display == Display::Table) {
         style.cellSpacing = AttributeLength(element, L"cellspacing", scale, DefaultCellSpacing);
         style.cellPadding = AttributeLength(element, L"cellpadding", scale, DefaultCellPadding);

@@ -5,6 +5,7 @@
 
 #include "wine/htmldocument/ComObjects.h"
 #include "wine/htmldocument/Json.h"
+#include "wine/htmldocument/Modes.h"
 
 namespace html {
 namespace {
@@ -31,7 +32,8 @@ std::string ColorText(COLORREF color) {
 
 bool IsTraced(const Node& node) {
     return node.Tag() == L"img" || node.Tag() == L"h2" || node.Tag() == L"td" ||
-           node.Tag() == L"span" || (node.Tag() == L"div" && node.FindAttribute(L"id") != nullptr);
+           node.Tag() == L"span" || node.Tag() == L"a" ||
+           (node.Tag() == L"div" && node.FindAttribute(L"id") != nullptr);
 }
 
 // One object for each element of interest that is shown, in document order.
@@ -72,15 +74,16 @@ bool WriteWholeFile(const std::wstring& path, const std::string& bytes) {
     return good;
 }
 
-} // namespace
-
-Trace::Trace() {
+// Empty where nobody asked.
+std::wstring TracePath() {
     wchar_t path[MAX_PATH] = {};
     const DWORD length = GetEnvironmentVariableW(PathVariable, path, ARRAYSIZE(path));
-    if (length < ARRAYSIZE(path)) {
-        m_path = path;
-    }
+    return length < ARRAYSIZE(path) ? path : L"";
 }
+
+} // namespace
+
+Trace::Trace() : m_path(TracePath()) {}
 
 void Trace::NoteWrite(const std::wstring& id, std::wstring_view markup) {
     ++m_writes;
@@ -109,12 +112,26 @@ std::string Trace::Describe(Page& page, ViewWindow& view, bool loaded) const {
         json +=
             (json.back() == '{' ? "" : ",") + JsonText(entry.first) + ":" + JsonText(entry.second);
     }
-    json += "},\n \"writes\":" + std::to_string(m_writes) +
+    json += "},\n \"url\":" + JsonText(url) + ",\"oddities\":\"" + oddities +
+            "\",\"downloadControl\":" + std::to_string(downloadControl) +
+            ",\"menus\":" + std::to_string(menus) +
+            ",\"newWindows\":" + std::to_string(newWindows) +
+            ",\"focus\":" + Flag(shown && GetFocus() == view.Handle()) +
+            ",\n \"writes\":" + std::to_string(m_writes) +
+            ",\"calls\":" + std::to_string(Modes::Calls()) +
             ",\n \"objects\":" + std::to_string(ModuleLock::Count()) + ",\n \"boxes\":[";
     if (shown) {
         DescribeBoxes(page.Root(), page, view.CurrentLayout(), scroll, json);
     }
     return json + "]}\n";
+}
+
+void Trace::WriteEnd() {
+    const std::wstring path = TracePath();
+    if (!path.empty()) {
+        WriteWholeFile(path + L".end", "{\"objects\":" + std::to_string(ModuleLock::Count()) +
+                                           ",\"calls\":" + std::to_string(Modes::Calls()) + "}\n");
+    }
 }
 
 void Trace::Write(Page& page, ViewWindow& view, bool loaded) {

@@ -10,7 +10,7 @@ HRESULT GiveWindow(Document& document, HWND* window) {
     if (window == nullptr) {
         return E_POINTER;
     }
-    *window = document.View().Window().Handle();
+    *window = Modes::CallFails() ? nullptr : document.View().Window().Handle();
     return *window != nullptr ? S_OK : E_FAIL;
 }
 
@@ -19,6 +19,9 @@ HRESULT GiveWindow(Document& document, HWND* window) {
 DocumentView::DocumentView(Document& document) : Face(document), m_document(document) {}
 
 HRESULT DocumentView::SetInPlaceSite(IOleInPlaceSite* site) {
+    if (site != nullptr && Modes::CallFails()) {
+        return E_FAIL;
+    }
     m_document.View().SetSite(site);
     return S_OK;
 }
@@ -45,6 +48,9 @@ HRESULT DocumentView::SetRect(LPRECT area) {
     if (area == nullptr) {
         return E_POINTER;
     }
+    if (Modes::CallFails()) {
+        return E_FAIL;
+    }
     m_document.View().SetArea(*area);
     return S_OK;
 }
@@ -59,14 +65,16 @@ HRESULT DocumentView::GetRect(LPRECT area) {
 
 HRESULT DocumentView::Show(BOOL show) {
     if (show) {
-        return m_document.View().Show();
+        return Modes::CallFails() ? E_FAIL : m_document.View().Show();
     }
     m_document.View().Hide();
     return S_OK;
 }
 
 HRESULT DocumentView::UIActivate(BOOL activate) {
-    return m_document.View().UIActivate(activate != FALSE);
+    return activate != FALSE && Modes::CallFails()
+               ? E_FAIL
+               : m_document.View().UIActivate(activate != FALSE);
 }
 
 HRESULT DocumentView::CloseView(DWORD) {
@@ -93,6 +101,9 @@ HRESULT InPlaceObject::SetObjectRects(LPCRECT area, LPCRECT) {
     if (area == nullptr) {
         return E_POINTER;
     }
+    if (Modes::CallFails()) {
+        return E_FAIL;
+    }
     m_document.View().SetArea(*area);
     return S_OK;
 }
@@ -105,7 +116,10 @@ HRESULT InPlaceActiveObject::GetWindow(HWND* window) {
 }
 
 HRESULT InPlaceActiveObject::TranslateAccelerator(LPMSG message) {
-    return message == nullptr ? E_POINTER : m_document.View().TranslateKey(*message);
+    if (message == nullptr) {
+        return E_POINTER;
+    }
+    return Modes::CallFails() ? E_FAIL : m_document.View().TranslateKey(*message);
 }
 
 } // namespace html

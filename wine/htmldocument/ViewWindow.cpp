@@ -49,9 +49,10 @@ bool ViewWindow::Create(HWND parent, const RECT& area) {
     if (!RegisterWindowClass()) {
         return false;
     }
-    const HWND window = CreateWindowExW(
-        0, WindowClass, L"", WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, area.left, area.top,
-        area.right - area.left, area.bottom - area.top, parent, nullptr, ModuleInstance(), this);
+    const HWND window = CreateWindowExW(m_borderAllowed ? WS_EX_CLIENTEDGE : 0, WindowClass, L"",
+                                        WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, area.left,
+                                        area.top, area.right - area.left, area.bottom - area.top,
+                                        parent, nullptr, ModuleInstance(), this);
     if (window != nullptr) {
         PageChanged();
         m_document.TraceState();
@@ -128,6 +129,22 @@ LRESULT ViewWindow::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_MOUSEWHEEL:
         Scrolled(m_scroll.HandleWheel(m_window, wParam, LineHeight()));
         return 0;
+    case WM_DESTROY: // the host destroys its own window around this one
+        m_document.View().RefuseDrops();
+        return 0;
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS:
+        m_document.TraceState();
+        break;
+    case WM_APPCOMMAND:
+        if (GET_APPCOMMAND_LPARAM(lParam) == APPCOMMAND_BROWSER_REFRESH &&
+            m_document.View().RefreshByKey()) {
+            return TRUE;
+        }
+        break;
+    case WM_CONTEXTMENU:
+        m_document.View().ShowContextMenu({GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+        return 0;
     case WM_SETCURSOR:
         if (LOWORD(lParam) == HTCLIENT) {
             UpdateCursor();
@@ -157,6 +174,7 @@ bool ViewWindow::HandleMouse(UINT message, WPARAM, POINT client) {
         return true;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
+        m_document.View().NoteClick();
         SetFocus(m_window);
         SetCapture(m_window);
         m_mouse.Press(ElementAt(client));
@@ -225,32 +243,21 @@ void ViewWindow::PageChanged() {
 void ViewWindow::UpdateScrollBars() {
     RECT window = {};
     GetWindowRect(m_window, &window);
-    SIZE view = {window.right - window.left, window.bottom - window.top};
-    m_layoutWidth = view.cx;
-    SIZE page = {};
-    const auto measure = [&] {
-        const Layout& layout = CurrentLayout();
-        page = {std::lround(std::ceil(layout.width)), std::lround(std::ceil(layout.height))};
-    };
-    measure();
-    bool vertical = m_scrollBarsAllowed && page.cy > view.cy;
-    const auto makeRoom = [&] {
+    const int edges = m_borderAllowed ? 2 : 0;
+    SIZE view = {window.right - window.left - edges * GetSystemMetrics(SM_CXEDGE),
+                 window.bottom - window.top - edges * GetSystemMetrics(SM_CYEDGE)};
+    if (m_scrollBarsAllowed) {
         view.cx -= GetSystemMetrics(SM_CXVSCROLL);
-        m_layoutWidth = std::max<LONG>(view.cx, 0);
-        measure();
-    };
-    if (vertical) {
-        makeRoom();
     }
+    view.cx = std::max<LONG>(view.cx, 0);
+    m_layoutWidth = view.cx;
+    const Layout& layout = CurrentLayout();
+    const SIZE page = {std::lround(std::ceil(layout.width)), std::lround(std::ceil(layout.height))};
     const bool horizontal = m_scrollBarsAllowed && page.cx > view.cx;
     if (horizontal) {
         view.cy -= GetSystemMetrics(SM_CYHSCROLL);
-        if (!vertical && page.cy > view.cy) {
-            vertical = true;
-            makeRoom();
-        }
     }
-    m_scroll.Update(m_window, page, view, vertical, horizontal);
+    m_scroll.Update(m_window, page, view, m_scrollBarsAllowed, horizontal);
 }
 
 void ViewWindow::Paint() {

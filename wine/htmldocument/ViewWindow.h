@@ -26,7 +26,9 @@ public:
     HWND Handle() const { return m_window; } // null before Create and after Destroy
     void Show(bool show);
     void Move(const RECT& area);
+    // Both before Create. A vertical bar that is allowed is always there.
     void AllowScrollBars(bool allow) { m_scrollBarsAllowed = allow; }
+    void AllowBorder(bool allow) { m_borderAllowed = allow; }
 
     // The page is laid out anew and shown.
     void PageChanged();
@@ -57,6 +59,7 @@ private:
     UINT m_dpi = 96;
     int m_layoutWidth = 0;
     bool m_scrollBarsAllowed = true;
+    bool m_borderAllowed = true;
     bool m_updating = false;
     ScrollState m_scroll;
     MouseTracker m_mouse;

@@ -5,17 +5,6 @@
 
 #include "registry/VolatileClassification.h"
 
-bool IsRefusedAsVolatile(const CKORString& path, bool create) {
-    const wchar_t* const separator = std::wcschr(path.Text(), L'\\');
-    const CKORString rootName =
-        separator != nullptr ? path.Left(separator - path.Text()) : CKORString(path);
-    const SymbolicRoot* const root = FindSymbolicRoot(rootName.Text());
-    SymbolicRootId id = root != nullptr ? root->id : SymbolicRootId::None;
-    const CKORString rest(separator != nullptr ? separator + 1 : L"");
-    return ClassifyVolatile(rest, rootName.Text(), id, create, CRegistryKey::RtxMode()) ==
-           VolatileKind::Refused;
-}
-
 namespace {
 
 // Why a key could not be opened.
@@ -85,6 +74,17 @@ bool OpenKey(const Arguments& arguments, Streams& streams, CRegistryKey& key) {
     }
     Complain(streams, WhyNotOpened(path, create));
     return false;
+}
+
+bool IsRefusedAsVolatile(const CKORString& path, bool create) {
+    const wchar_t* const separator = std::wcschr(path.Text(), L'\\');
+    const CKORString rootName =
+        separator != nullptr ? path.Left(separator - path.Text()) : CKORString(path);
+    const SymbolicRoot* const root = FindSymbolicRoot(rootName.Text());
+    SymbolicRootId id = root != nullptr ? root->id : SymbolicRootId::None;
+    const CKORString rest(separator != nullptr ? separator + 1 : L"");
+    return ClassifyVolatile(rest, rootName.Text(), id, create, CRegistryKey::RtxMode()) ==
+           VolatileKind::Refused;
 }
 
 void Complain(Streams& streams, const CKORString& words) {

@@ -422,8 +422,8 @@ TEST(CKORString, TheAuxiliaryFieldsHaveTheirOrderAndGoWithTheString) {
         const unsigned char* const buffer = new unsigned char[5];
         const CKORStringAuxiliary* const object = new Noted(blocksAtItsEnd);
         char* const fields = reinterpret_cast<char*>(&text) + sizeof(CTable1D<wchar_t>);
-        std::memcpy(fields, &buffer, sizeof buffer);
-        std::memcpy(fields + sizeof buffer, &object, sizeof object);
+        std::memcpy(fields, &buffer, sizeof(void*));
+        std::memcpy(fields + sizeof(void*), &object, sizeof(void*));
     }
     EXPECT_EQ(blocksAtItsEnd, before + 3) << "the object, the buffer and the text";
     EXPECT_EQ(test::LiveBlocks(), before);

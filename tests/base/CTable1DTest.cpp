@@ -86,7 +86,7 @@ TEST(CTable1D, FieldsAndVirtualFunctionsHaveTheirOrder) {
     static_assert(sizeof table == sizeof words);
     std::memcpy(words, reinterpret_cast<const char*>(&table), sizeof words);
     const std::int64_t* data = nullptr;
-    std::memcpy(&data, &words[1], sizeof data);
+    std::memcpy(&data, &words[1], sizeof(void*));
     EXPECT_EQ(data, table.Data());
     EXPECT_EQ(words[2], 2) << "the count";
     EXPECT_EQ(words[3], 3) << "the capacity";

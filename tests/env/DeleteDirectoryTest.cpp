@@ -328,7 +328,7 @@ TEST(DeleteDirectory, ALinkThatCannotBeRemovedEndsTheDeletion) {
         if (parent != L"top") {
             folder.MakeFolder(parent);
         }
-        const std::wstring link = folder.MakeFolder(parent + L"\\link");
+        folder.MakeFolder(parent + L"\\link");
         const std::wstring inside = folder.MakeFile(parent + L"\\link\\inside");
         const std::wstring behind = folder.MakeFile(parent + L"\\z");
         const FileCalls calls;

@@ -1,7 +1,7 @@
 // The application: it shows its dialog and ends with it.
 #pragma once
 
-#include "mfc/afxwin.h"
+#include <afxwin.h>
 
 class CkorcontrolcenterApp : public CWinApp {
 public:

@@ -1,10 +1,14 @@
 // The main dialog: one HTML page that shows the catalogue, in a window that is as tall as its rows.
 #pragma once
 
+// The framework's headers come before those of the system, which it includes in its own way.
+#include <afxwin.h>
+
+#include <afxdhtml.h>
+
 #include <cstdint>
 
 #include "app/page/ControlCenterPage.h"
-#include "mfc/afxdhtml.h"
 
 // The constructor measures the screen, asks what is installed, builds the catalogue and composes
 // the page; the window comes with DoModal.

@@ -1,5 +1,5 @@
 // What the dialog does when the mouse is on an item of the page.
-#include <windows.h>
+#include "app/CkorcontrolcenterDlg.h"
 
 #include <comdef.h>
 #include <shellapi.h>
@@ -7,7 +7,6 @@
 
 #include <cwchar>
 
-#include "app/CkorcontrolcenterDlg.h"
 #include "app/page/PageMarkup.h"
 
 namespace {

@@ -79,7 +79,24 @@ HRESULT CDHtmlDialog::GetElement(LPCTSTR szElementId, IHTMLElement** pphtmlEleme
     if (m_spHtmlDoc == nullptr || FAILED(m_spHtmlDoc.QueryInterface(&document))) {
         return E_NOINTERFACE;
     }
-    return document->getElementById(_bstr_t(szElementId), pphtmlElement);
+    const _bstr_t id(szElementId);
+    if (IsThereTwice(id)) {
+        return E_FAIL;
+    }
+    return document->getElementById(id, pphtmlElement);
+}
+
+// For a name that several elements have, the list of all gives a list instead of an element.
+bool CDHtmlDialog::IsThereTwice(BSTR id) const {
+    CComPtr<IHTMLElementCollection> all;
+    CComPtr<IDispatch> found;
+    CComPtr<IHTMLElementCollection> several;
+    VARIANT name{};
+    name.vt = VT_BSTR;
+    name.bstrVal = id;
+    return SUCCEEDED(m_spHtmlDoc->get_all(&all)) && all != nullptr &&
+           SUCCEEDED(all->item(name, VARIANT{}, &found)) && found != nullptr &&
+           SUCCEEDED(found.QueryInterface(&several));
 }
 
 BOOL CDHtmlDialog::PreTranslateMessage(MSG* pMsg) {

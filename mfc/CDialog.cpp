@@ -34,9 +34,11 @@ INT_PTR CDialog::DoModal() {
     if (disableParent) {
         EnableWindow(parent, FALSE);
     }
-    m_modalResult = -1;
+    m_modalResult = IDABORT;
     m_running = true;
-    CreateWindowOf(parent);
+    if (!CreateWindowOf(parent) && m_running) {
+        m_modalResult = -1;
+    }
     const std::optional<int> quitCode = RunModalLoop();
     // Before the window goes: otherwise another program's window would be activated.
     if (disableParent) {
@@ -52,16 +54,17 @@ INT_PTR CDialog::DoModal() {
 }
 
 // The hook sees the window before it gets its first message.
-void CDialog::CreateWindowOf(HWND parent) {
+bool CDialog::CreateWindowOf(HWND parent) {
     CDialog* const outer = g_creating;
     g_creating = this;
     m_creating = true;
     const HHOOK hook = SetWindowsHookEx(WH_CBT, &CreationHook, nullptr, GetCurrentThreadId());
-    CreateDialogParam(GetModuleHandle(nullptr), MAKEINTRESOURCE(m_templateId), parent,
-                      &DialogProcedure, reinterpret_cast<LPARAM>(this));
+    const HWND window = CreateDialogParam(GetModuleHandle(nullptr), MAKEINTRESOURCE(m_templateId),
+                                          parent, &DialogProcedure, reinterpret_cast<LPARAM>(this));
     UnhookWindowsHookEx(hook);
     m_creating = false;
     g_creating = outer;
+    return window != nullptr;
 }
 
 // Other windows may come first, such as that of an input method.

@@ -94,7 +94,8 @@ public:
 
     // To be called before OnInitDialog: DOCHOSTUIFLAG_...
     void SetHostFlags(DWORD dwFlags) { m_hostFlags = dwFlags; }
-    // One reference goes to the caller. *pphtmlElement is null when there is no such element.
+    // One reference goes to the caller. *pphtmlElement is null when there is no such element, and
+    // when the call fails, as it does where several elements have the id.
     // Throws _com_error when there is no memory for the name.
     HRESULT GetElement(LPCTSTR szElementId, IHTMLElement** pphtmlElement);
 
@@ -131,6 +132,7 @@ private:
     bool CreateBrowser();
     void CloseBrowser();
     void LoadFromResource();
+    bool IsThereTwice(BSTR id) const;
     bool TranslateKey(MSG* message);
     HRESULT AnswerKey(MSG* message, const GUID* commandGroup, DWORD command);
 

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <optional>
 
 class CWnd;
@@ -146,7 +147,8 @@ public:
     explicit CDialog(UINT nIDTemplate, CWnd* pParentWnd = nullptr);
 
     // Runs until EndDialog, the quit message or the end of the window. -1 when the window could not
-    // be made or did not end by EndDialog. The quit message is posted again for outer loops.
+    // be made, IDABORT when it did not end by EndDialog. The quit message is posted again for outer
+    // loops.
     virtual INT_PTR DoModal();
     void EndDialog(int nResult);
 
@@ -163,13 +165,13 @@ private:
     static INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam,
                                             LPARAM lParam);
     static LRESULT CALLBACK CreationHook(int code, WPARAM wParam, LPARAM lParam);
-    void CreateWindowOf(HWND parent);
+    bool CreateWindowOf(HWND parent);
     // The exit code when the quit message ended it.
     std::optional<int> RunModalLoop();
 
     UINT m_templateId;
     CWnd* m_pParentWnd;
-    int m_modalResult = -1;
+    int m_modalResult = IDABORT;
     bool m_running = false;
     bool m_creating = false;
 };
@@ -185,11 +187,14 @@ public:
     // The program ends when it returns; what is to be shown is shown in here.
     virtual BOOL InitInstance();
     HICON LoadIcon(UINT nIDResource) const;
-    // The name under which the application keeps its settings; the text must stay.
-    void SetRegistryKey(LPCTSTR lpszRegistryKey) { m_pszRegistryKey = lpszRegistryKey; }
+    // The name under which the application keeps its settings; the text is copied.
+    void SetRegistryKey(LPCTSTR lpszRegistryKey);
 
     CWnd* m_pMainWnd = nullptr;
     LPCTSTR m_pszRegistryKey = nullptr;
+
+private:
+    std::unique_ptr<wchar_t[]> m_registryKey;
 };
 
 CWinApp* AfxGetApp();

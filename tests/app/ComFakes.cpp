@@ -200,6 +200,18 @@ HRESULT FireAt(IDispatch* sink, DISPID event, std::vector<VARIANT> arguments) {
                                 nullptr, nullptr);
 }
 
+FakeCollection::FakeCollection() {
+    Implement(IID_IDispatch, {});
+    Implement(IID_IHTMLElementCollection,
+              {METHOD(IHTMLElementCollection, item,
+                      [](Face* self, VARIANT name, VARIANT, IDispatch** out) -> HRESULT {
+                          auto& all = Self<FakeCollection>(self);
+                          all.Asked.emplace_back(name.bstrVal);
+                          return Give(all.HasSeveral ? &all : nullptr, IID_IDispatch,
+                                      reinterpret_cast<void**>(out));
+                      })});
+}
+
 FakeDocument::FakeDocument() {
     Name = "document";
     Implement(IID_IDispatch, {});
@@ -207,6 +219,11 @@ FakeDocument::FakeDocument() {
               {METHOD(IHTMLDocument2, get_body,
                       [](Face* self, IHTMLElement** out) {
                           return Give(Self<FakeDocument>(self).Body, IID_IHTMLElement,
+                                      reinterpret_cast<void**>(out));
+                      }),
+               METHOD(IHTMLDocument2, get_all,
+                      [](Face* self, IHTMLElementCollection** out) {
+                          return Give(Self<FakeDocument>(self).All, IID_IHTMLElementCollection,
                                       reinterpret_cast<void**>(out));
                       }),
                METHOD(IHTMLDocument2, get_readyState,

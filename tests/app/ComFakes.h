@@ -106,12 +106,22 @@ public:
     std::function<void()> OnUnadvise; // before the sink is let go
 };
 
+// All elements of a document, asked for a name: itself where several have it.
+class FakeCollection : public FakeObject {
+public:
+    FakeCollection();
+
+    bool HasSeveral = false;
+    std::vector<std::wstring> Asked;
+};
+
 class FakeDocument : public FakeSource {
 public:
     FakeDocument();
 
     FakeElement* Sections = nullptr;
     FakeElement* Body = nullptr;
+    FakeCollection* All = nullptr;
     std::wstring Url = L"res://C:\\Program%20Files/korcontrolcenter.exe/129";
     std::wstring State = L"complete";
     HWND Window = nullptr;

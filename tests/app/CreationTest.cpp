@@ -15,10 +15,11 @@ public:
     Recorder() : CDialog(IDD_KORCONTROLCENTER_DIALOG) {}
 
     std::vector<std::string> Seen;
+    std::function<void()> Goes = [this] { EndDialog(IDOK); };
 
     BOOL OnInitDialog() override {
         Seen.emplace_back("init");
-        EndDialog(IDOK);
+        Goes();
         return TRUE;
     }
 
@@ -81,6 +82,30 @@ TEST(Creation, OfAnotherWindowMeanwhileIsNotTheDialogs) {
                 });
     Recorder dialog;
     EXPECT_EQ(dialog.DoModal(), IDOK);
+}
+
+TEST(Creation, ThatFailsIsToldFromADialogThatEndedOtherwise) {
+    Recorder dialog;
+    {
+        HOOK_IMPORT(create, CreateDialogParamW,
+                    [](HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM) -> HWND { return nullptr; });
+        EXPECT_EQ(dialog.DoModal(), -1);
+    }
+    dialog.Goes = [&] { DestroyWindow(dialog.m_hWnd); };
+    EXPECT_EQ(dialog.DoModal(), IDABORT);
+    dialog.Goes = [&] { PostMessageW(dialog.m_hWnd, WM_NULL, 0, 0); };
+    HOOK_IMPORT(get, GetMessageW, [](MSG*, HWND, UINT, UINT) -> BOOL { return -1; });
+    EXPECT_EQ(dialog.DoModal(), IDABORT);
+}
+
+TEST(Application, KeepsItsOwnCopyOfItsSettingsName) {
+    wchar_t name[] = L"Name";
+    LPCTSTR const before = AfxGetApp()->m_pszRegistryKey;
+    const std::wstring old = before != nullptr ? before : L"";
+    AfxGetApp()->SetRegistryKey(name);
+    name[0] = L'G';
+    EXPECT_STREQ(AfxGetApp()->m_pszRegistryKey, L"Name");
+    AfxGetApp()->SetRegistryKey(old.c_str());
 }
 
 using FirstSize = test::HostedDialog;

@@ -147,6 +147,22 @@ TEST_F(Host, WithoutTheElementNothingIsFilled) {
     m_dialog.FillSectionsElement(); // without a document, too
 }
 
+TEST_F(Host, AnElementThatIsThereTwiceIsNone) {
+    test::FakeCollection all;
+    m_page.Document.All = &all;
+    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
+                                    EXPECT_EQ(all.Asked, std::vector<std::wstring>{L"Sections"});
+                                    EXPECT_EQ(m_page.Sections.InnerHtml.size(), 1U);
+                                    all.HasSeveral = true;
+                                    IHTMLElement* element = nullptr;
+                                    EXPECT_EQ(m_dialog.GetElement(L"Sections", &element), E_FAIL);
+                                    EXPECT_EQ(element, nullptr);
+                                    m_page.Complete();
+                                    EXPECT_EQ(m_page.Sections.InnerHtml.size(), 1U);
+                                })});
+    EXPECT_EQ(all.References, 0);
+}
+
 TEST_F(Host, AMissingTextForThePageIsAnError) {
     int resizes = 0;
     const auto fail = [&](const std::function<void()>& action) {

@@ -143,7 +143,7 @@ TEST_F(Input, AltF4EndsThroughTheQuitMessage) {
     result = m_dialog.DoModal();
     EXPECT_EQ(m_page.Browser.Keys, (std::vector<UINT>{WM_SYSKEYDOWN, WM_SYSKEYUP}));
     EXPECT_TRUE(seen.empty()) << testing::PrintToString(seen);
-    EXPECT_EQ(result, -1) << "neither OK nor cancel";
+    EXPECT_EQ(result, IDABORT) << "neither OK nor cancel";
     EXPECT_EQ(m_dialog.m_hWnd, nullptr);
     MSG message = {};
     EXPECT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE))

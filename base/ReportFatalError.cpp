@@ -6,6 +6,8 @@
 
 #include <cwchar>
 
+#include "base/SystemLibraries.h"
+
 namespace {
 
 DWORD SessionOfThisProcess() {
@@ -15,6 +17,23 @@ DWORD SessionOfThisProcess() {
 
 DWORD BytesWithTerminator(const wchar_t* text) {
     return static_cast<DWORD>(2 * std::wcslen(text) + 2);
+}
+
+// Loaded when it is needed, which is hardly ever: a static import of this one would be looked for
+// beside the program first.
+DWORD SendToSession(DWORD session, LPWSTR caption, LPWSTR message, DWORD style) {
+    DWORD answer = IDOK;
+    const HMODULE services = LoadSystemLibrary(L"wtsapi32.dll");
+    if (services == nullptr) {
+        return answer;
+    }
+    const FARPROC found = GetProcAddress(services, "WTSSendMessageW");
+    const auto send = reinterpret_cast<decltype(&WTSSendMessageW)>(reinterpret_cast<void*>(found));
+    if (send != nullptr) {
+        send(WTS_CURRENT_SERVER_HANDLE, session, caption, BytesWithTerminator(caption), message,
+             BytesWithTerminator(message), style, 0, &answer, TRUE);
+    }
+    return answer;
 }
 
 // WTSSendMessageW takes its texts as non-const although it only reads them.
@@ -30,11 +49,8 @@ int ReportFatalError(const wchar_t* message, const wchar_t* caption, unsigned in
     // The comparison with 0 alone is intended: without a console (0xFFFFFFFF) the message still
     // goes to the terminal services.
     if (session == 0 && consoleSession != 0) {
-        DWORD answer = IDOK;
-        WTSSendMessageW(WTS_CURRENT_SERVER_HANDLE, consoleSession, AsMutable(caption),
-                        BytesWithTerminator(caption), AsMutable(message),
-                        BytesWithTerminator(message), style, 0, &answer, TRUE);
-        return static_cast<int>(answer);
+        return static_cast<int>(
+            SendToSession(consoleSession, AsMutable(caption), AsMutable(message), style));
     }
     return MessageBoxW(nullptr, message, caption, style);
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/SystemLibraries.h"
 #include "diag/Commands.h"
 
 namespace {
@@ -25,6 +26,7 @@ std::vector<std::wstring> WordsOfCommandLine() {
 } // namespace
 
 int main() {
+    LoadLibrariesFromSystemOnly();
     Utf8Output out(GetStdHandle(STD_OUTPUT_HANDLE));
     Utf8Output err(GetStdHandle(STD_ERROR_HANDLE));
     Streams streams = {out, err};

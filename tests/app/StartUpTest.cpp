@@ -106,6 +106,21 @@ TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
                      "metric 3", "metric 2", "metric 15", "screen", "registry", "dialog"}));
 }
 
+TEST_F(StartUp, BeginsWithWhereDllsComeFrom) {
+    HOOK_IMPORT(find, GetProcAddress, [&](HMODULE module, LPCSTR name) {
+        if (!IS_INTRESOURCE(name) && std::string(name) == "SetDefaultDllDirectories") {
+            Record("dlls");
+        }
+        return find.Original(module, name);
+    });
+    HOOK_IMPORT(controls, InitCommonControlsEx, [&](const INITCOMMONCONTROLSEX*) -> BOOL {
+        Record("common controls");
+        return TRUE;
+    });
+    test::RunModal(m_page, {}, [] { return INT_PTR{WinMain(nullptr, nullptr, nullptr, SW_SHOW)}; });
+    EXPECT_EQ(m_calls, (Lines{"dlls", "common controls"}));
+}
+
 struct Closing {
     UINT message;
     WPARAM wParam;

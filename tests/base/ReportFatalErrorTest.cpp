@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <wtsapi32.h>
-
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,6 +11,33 @@
 #include "tests/support/ImportHook.h"
 
 namespace {
+
+using Send =
+    std::function<BOOL(HANDLE, DWORD, LPWSTR, DWORD, LPWSTR, DWORD, DWORD, DWORD, DWORD*, BOOL)>;
+Send* g_send = nullptr;
+
+BOOL WINAPI CallSend(HANDLE server, DWORD session, LPWSTR caption, DWORD captionBytes,
+                     LPWSTR message, DWORD messageBytes, DWORD style, DWORD timeout, DWORD* answer,
+                     BOOL wait) {
+    return (*g_send)(server, session, caption, captionBytes, message, messageBytes, style, timeout,
+                     answer, wait);
+}
+
+// Reports while the terminal services' function, which the product asks its library for by name, is
+// the test's.
+int ReportWith(Send send, unsigned int style = 0) {
+    g_send = &send;
+    HOOK_IMPORT(find, GetProcAddress, [&](HMODULE module, LPCSTR name) {
+        const bool isIt = !IS_INTRESOURCE(name) && std::string(name) == "WTSSendMessageW";
+        if (isIt) {
+            EXPECT_EQ(module, GetModuleHandleW(L"wtsapi32.dll"));
+            EXPECT_NE(find.Original(module, name), nullptr) << "the real one is there";
+        }
+        return isIt ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&CallSend))
+                    : find.Original(module, name);
+    });
+    return ReportFatalError(L"The message", L"Caption", style);
+}
 
 struct Case {
     const char* what;
@@ -46,24 +72,23 @@ TEST_P(FatalReport, TakesTheRouteThatTheSessionsAskFor) {
         return c.sessionFound;
     });
     HOOK_IMPORT(console, WTSGetActiveConsoleSessionId, [&] { return c.console; });
-    HOOK_IMPORT(send, WTSSendMessageW,
-                [&](HANDLE server, DWORD id, LPWSTR caption, DWORD captionBytes, LPWSTR message,
-                    DWORD messageBytes, DWORD style, DWORD timeout, DWORD* answer,
-                    WINBOOL wait) -> WINBOOL {
-                    calls.emplace_back("send");
-                    EXPECT_EQ(server, nullptr);
-                    EXPECT_EQ(id, c.console);
-                    EXPECT_EQ(std::wstring(caption), L"Caption");
-                    EXPECT_EQ(captionBytes, 16U);
-                    EXPECT_EQ(std::wstring(message), L"The message");
-                    EXPECT_EQ(messageBytes, 24U);
-                    EXPECT_EQ(style, 0x31U);
-                    EXPECT_EQ(timeout, 0U);
-                    EXPECT_EQ(*answer, static_cast<DWORD>(IDOK));
-                    EXPECT_EQ(wait, TRUE);
-                    *answer = IDCANCEL;
-                    return TRUE;
-                });
+    const Send send = [&](HANDLE server, DWORD id, LPWSTR caption, DWORD captionBytes,
+                          LPWSTR message, DWORD messageBytes, DWORD style, DWORD timeout,
+                          DWORD* answer, BOOL wait) -> BOOL {
+        calls.emplace_back("send");
+        EXPECT_EQ(server, nullptr);
+        EXPECT_EQ(id, c.console);
+        EXPECT_EQ(std::wstring(caption), L"Caption");
+        EXPECT_EQ(captionBytes, 16U);
+        EXPECT_EQ(std::wstring(message), L"The message");
+        EXPECT_EQ(messageBytes, 24U);
+        EXPECT_EQ(style, 0x31U);
+        EXPECT_EQ(timeout, 0U);
+        EXPECT_EQ(*answer, static_cast<DWORD>(IDOK));
+        EXPECT_EQ(wait, TRUE);
+        *answer = IDCANCEL;
+        return TRUE;
+    };
     HOOK_IMPORT(box, MessageBoxW, [&](HWND owner, LPCWSTR message, LPCWSTR caption, UINT style) {
         calls.emplace_back("box");
         EXPECT_EQ(owner, nullptr);
@@ -73,7 +98,7 @@ TEST_P(FatalReport, TakesTheRouteThatTheSessionsAskFor) {
         return IDRETRY;
     });
 
-    const int answer = ReportFatalError(L"The message", L"Caption", 0x31);
+    const int answer = ReportWith(send, 0x31);
 
     EXPECT_EQ(calls, std::vector<std::string>{c.toConsole ? "send" : "box"}) << c.what;
     EXPECT_EQ(answer, c.toConsole ? IDCANCEL : IDRETRY) << c.what;
@@ -81,16 +106,34 @@ TEST_P(FatalReport, TakesTheRouteThatTheSessionsAskFor) {
 
 INSTANTIATE_TEST_SUITE_P(Sessions, FatalReport, testing::ValuesIn(Cases));
 
-TEST(FatalReport, AMessageThatCouldNotBeSentCountsAsAnsweredWithOk) {
+// As a service sees the sessions while the action runs.
+void AsService(const std::function<void()>& action) {
     HOOK_IMPORT(session, ProcessIdToSessionId, [](DWORD, DWORD* id) -> BOOL {
         *id = 0;
         return TRUE;
     });
     HOOK_IMPORT(console, WTSGetActiveConsoleSessionId, [] { return DWORD{2}; });
-    HOOK_IMPORT(send, WTSSendMessageW,
-                [](HANDLE, DWORD, LPWSTR, DWORD, LPWSTR, DWORD, DWORD, DWORD, DWORD*,
-                   WINBOOL) -> WINBOOL { return FALSE; });
-    EXPECT_EQ(ReportFatalError(L"m", L"c", 0), IDOK);
+    action();
+}
+
+TEST(FatalReport, AMessageThatCouldNotBeSentCountsAsAnsweredWithOk) {
+    AsService([] {
+        EXPECT_EQ(ReportWith([](HANDLE, DWORD, LPWSTR, DWORD, LPWSTR, DWORD, DWORD, DWORD, DWORD*,
+                                BOOL) -> BOOL { return FALSE; }),
+                  IDOK);
+    });
+}
+
+TEST(FatalReport, WithoutTheTerminalServicesAMessageCountsAsAnsweredWithOk) {
+    AsService([] {
+        HOOK_IMPORT(load, LoadLibraryExW,
+                    [](LPCWSTR, HANDLE, DWORD) -> HMODULE { return nullptr; });
+        EXPECT_EQ(ReportFatalError(L"m", L"c", 0), IDOK);
+    });
+    AsService([] {
+        HOOK_IMPORT(find, GetProcAddress, [](HMODULE, LPCSTR) -> FARPROC { return nullptr; });
+        EXPECT_EQ(ReportFatalError(L"m", L"c", 0), IDOK);
+    });
 }
 
 TEST(FatalReport, AnyThreadMayReport) {

@@ -14,7 +14,10 @@ target_compile_options(kor_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:
 # build, nothing that is not used.
 target_link_options(kor_options INTERFACE
     -static -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat
-    -Wl,--no-insert-timestamp -Wl,--gc-sections)
+    -Wl,--no-insert-timestamp -Wl,--gc-sections
+    # Windows 7 is the oldest: to a program for an older one it gives other system metrics.
+    -Wl,--major-os-version=6 -Wl,--minor-os-version=1
+    -Wl,--major-subsystem-version=6 -Wl,--minor-subsystem-version=1)
 
 # What the product's own code is compiled with besides; tests and the equipment under wine/ are not.
 add_library(kor_product_options INTERFACE)

@@ -101,14 +101,6 @@ TEST(Resources, TheIconHasASmallAndALargeImage) {
     EXPECT_NE(widths.find('\x20'), std::string::npos);
 }
 
-TEST(Resources, TheManifestAsksForWhatTheProgramNeeds) {
-    const std::string manifest = Resource(MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24));
-    EXPECT_NE(manifest.find("name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\""),
-              std::string::npos);
-    EXPECT_NE(manifest.find("level=\"asInvoker\""), std::string::npos);
-    EXPECT_NE(manifest.find("<dpiAware>true</dpiAware>"), std::string::npos);
-}
-
 TEST(Resources, TheVersionInformationNamesTheProduct) {
     const std::string version = Resource(MAKEINTRESOURCEW(1), RT_VERSION);
     const std::wstring text(reinterpret_cast<const wchar_t*>(version.data()),

@@ -13,6 +13,8 @@ class Program:
         optional = header + 24
         assert self.number(optional, "<H") == 0x20B, "not a 64-bit program"
         self.timestamp = self.number(header + 8)
+        self.os_version = struct.unpack_from("<HH", self.data, optional + 40)
+        self.subsystem_version = struct.unpack_from("<HH", self.data, optional + 48)
         self.subsystem, self.characteristics = struct.unpack_from("<HH", self.data, optional + 68)
         self.directories = [struct.unpack_from("<II", self.data, optional + 112 + 8 * i)
                             for i in range(self.number(optional + 108))]

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """product_test.py BUILD PROGRAM...: what must hold of the finished programs' files. The first one is
 the launcher."""
+import re
 import shlex
 import struct
 import subprocess
@@ -8,16 +9,19 @@ import sys
 import tempfile
 import unittest
 from pathlib import Path
+from xml.etree import ElementTree
 
 from pe import Program
 
 ROOT = Path(__file__).resolve().parents[2]
+VERSION = re.search(r"VERSION (\S+)", (ROOT / "CMakeLists.txt").read_text().split("project(")[1])[1]
 BUILD = None
 PROGRAMS = []
 
-# Present in every Windows 7 and later.
+# Present in every Windows 7 and later, and never taken from the program's own folder: all are in
+# the list of known DLLs but the common controls, which the manifest redirects.
 SYSTEM_DLLS = {"advapi32.dll", "comctl32.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll",
-               "oleaut32.dll", "shell32.dll", "shlwapi.dll", "user32.dll", "wtsapi32.dll", "urlmon.dll"}
+               "oleaut32.dll", "shell32.dll", "shlwapi.dll", "user32.dll"}
 HIGH_ENTROPY_VA, DYNAMIC_BASE, NX_COMPAT = 0x20, 0x40, 0x100
 RT_DIALOG, RT_GROUP_ICON, RT_VERSION, RT_HTML, RT_MANIFEST = 5, 14, 16, 23, 24
 
@@ -35,6 +39,12 @@ class EveryProgram(unittest.TestCase):
             for flag in (HIGH_ENTROPY_VA, DYNAMIC_BASE, NX_COMPAT):
                 with self.subTest(path.name, flag=hex(flag)):
                     self.assertTrue(Program(path).characteristics & flag)
+
+    def test_is_made_for_windows_7_and_later(self):
+        for path in PROGRAMS:
+            with self.subTest(path.name):
+                program = Program(path)
+                self.assertEqual((program.os_version, program.subsystem_version), ((6, 1), (6, 1)))
 
     def test_is_stripped(self):
         for path in PROGRAMS:
@@ -102,16 +112,38 @@ class Launcher(unittest.TestCase):
         self.assertEqual(self.resources["IMAGE", "CONTROLCENTER.JPG"],
                          (ROOT / "res/controlcenter.jpg").read_bytes())
 
+    def test_banner_fits_beside_a_standing_scroll_bar(self):
+        picture = self.resources["IMAGE", "CONTROLCENTER.JPG"]
+        at = 2  # behind the mark of the start: segments up to the frame's header
+        while picture[at + 1] != 0xC0:
+            at += 2 + struct.unpack_from(">H", picture, at + 2)[0]
+        width = struct.unpack_from(">H", picture, at + 7)[0]
+        self.assertLessEqual(width, 600)
+
     def test_icon_has_all_sizes(self):
         group = self.resources[RT_GROUP_ICON, 134]
         sizes = [group[6 + 14 * i] or 256 for i in range(struct.unpack_from("<H", group, 4)[0])]
         self.assertEqual(sorted(sizes), [16, 20, 24, 32, 40, 48, 64, 128, 256])
 
     def test_manifest(self):
-        manifest = self.resources[RT_MANIFEST, 1].decode()
-        self.assertRegex(manifest, r'name="Microsoft\.Windows\.Common-Controls"\s+version="6\.0\.0\.0"')
-        self.assertRegex(manifest, r'requestedExecutionLevel\s+level="asInvoker"')
-        self.assertRegex(manifest, r"<dpiAware[^>]*>true</dpiAware>")
+        # As Windows reads it: a name in another namespace is another name.
+        assembly = ElementTree.fromstring(self.resources[RT_MANIFEST, 1])
+        v1, v3 = "{urn:schemas-microsoft-com:asm.v1}", "{urn:schemas-microsoft-com:asm.v3}"
+        compatibility = "{urn:schemas-microsoft-com:compatibility.v1}"
+        settings = f"{v3}application/{v3}windowsSettings"
+        self.assertEqual(assembly.tag, f"{v1}assembly")
+        self.assertEqual(assembly.find(f"{v1}assemblyIdentity").get("version"), VERSION + ".0")
+        controls = assembly.find(f"{v1}dependency/{v1}dependentAssembly/{v1}assemblyIdentity")
+        self.assertEqual((controls.get("name"), controls.get("version")),
+                         ("Microsoft.Windows.Common-Controls", "6.0.0.0"))
+        level = assembly.find(f"{v3}trustInfo/{v3}security/{v3}requestedPrivileges/{v3}requestedExecutionLevel")
+        self.assertEqual(level.attrib, {"level": "asInvoker", "uiAccess": "false"})
+        self.assertEqual([(setting.tag, setting.text) for setting in assembly.find(settings)],
+                         [("{http://schemas.microsoft.com/SMI/2005/WindowsSettings}dpiAware", "true")])
+        systems = assembly.findall(f"{compatibility}compatibility/{compatibility}application/{compatibility}supportedOS")
+        self.assertEqual([system.get("Id") for system in systems], [
+            "{35138b9a-5d96-4fbd-8e2d-a2440225f93a}", "{4a2f28e3-53b9-4441-ba9c-d69d4a4a6e38}",
+            "{1f676c76-80e1-4239-95bb-83d0f6d0da78}", "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}"])
 
     def test_version_information(self):
         text = self.resources[RT_VERSION, 1].decode("utf-16-le", "replace")

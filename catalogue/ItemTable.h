@@ -80,6 +80,7 @@ bool IsMade(SectionTable& sections, const ControlCenterSection& section, const I
 template <typename Bases, std::size_t N>
 void AddItems(SectionTable& sections, ControlCenterSection& section,
               const ItemRow<Bases> (&rows)[N], const Bases& bases) {
+    const CKORString nothing;
     for (const ItemRow<Bases>& row : rows) {
         const CKORString target = TargetOf(row, bases);
         if (!IsMade(sections, section, row, bases, target)) {
@@ -87,8 +88,8 @@ void AddItems(SectionTable& sections, ControlCenterSection& section,
         }
         const bool otherLabel = row.LabelUnlessFile != nullptr && !IsExistingFile(target.Text());
         auto* const item =
-            new ControlCenterItem(&section, otherLabel ? row.LabelUnlessFile : row.Label, L"", L"",
-                                  target, row.Type, row.Arguments);
+            new ControlCenterItem(&section, otherLabel ? row.LabelUnlessFile : row.Label, nothing,
+                                  nothing, target, row.Type, row.Arguments);
         item->Base = BaseOf(row.Base);
         section.Add(item);
     }

@@ -38,11 +38,13 @@ void ControlCenterPage::ComposePage(CTable1D<std::int64_t>& rowHeights) {
         PageHtml += GridOpening;
     }
     for (std::int64_t row = 0; row < RowCount; ++row) {
-        PageHtml += RowOpening;
+        // A row is composed by itself: the page would be searched for its end with each piece.
+        CKORString html(RowOpening);
         rowHeights.Add(0);
         for (std::int64_t column = 0; column < ColumnCount; ++column) {
-            ComposeCell(row, column, rowHeights[row]);
+            ComposeCell(row, column, html, rowHeights[row]);
         }
+        PageHtml += html;
         WindowHeight += rowHeights[row];
         PageHtml += RowClosing;
     }
@@ -50,17 +52,17 @@ void ControlCenterPage::ComposePage(CTable1D<std::int64_t>& rowHeights) {
     PageHtml += GridClosing;
 }
 
-void ControlCenterPage::ComposeCell(std::int64_t row, std::int64_t column,
+void ControlCenterPage::ComposeCell(std::int64_t row, std::int64_t column, CKORString& html,
                                     std::int64_t& rowHeight) {
-    PageHtml += CKORString::Format(CellOpeningWidth, static_cast<int>(100 / ColumnCount));
-    PageHtml += CellOpeningRest;
+    html += CKORString::Format(CellOpeningWidth, static_cast<int>(100 / ColumnCount));
+    html += CellOpeningRest;
     ControlCenterSection* const section = FindSection(row, column);
     if (section == nullptr) {
         // A cell without a section stays open: intended.
         return;
     }
-    PageHtml += section->ComposeSectionHtml();
-    PageHtml += CellClosing;
+    html += section->ComposeSectionHtml();
+    html += CellClosing;
     rowHeight = std::max(rowHeight, SectionBaseHeight + ItemHeight * section->ShownItemCount);
 }
 

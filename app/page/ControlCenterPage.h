@@ -30,6 +30,8 @@ public:
     std::int64_t RowCount = 1;
 
 private:
-    void ComposeCell(std::int64_t row, std::int64_t column, std::int64_t& rowHeight);
+    // Appends the cell to the row's markup and raises the row's height to what the cell needs.
+    void ComposeCell(std::int64_t row, std::int64_t column, CKORString& html,
+                     std::int64_t& rowHeight);
     ControlCenterSection* FindSection(std::int64_t row, std::int64_t column) const;
 };

@@ -259,7 +259,7 @@ TEST(Dialog, OtherwiseTheWindowPaintsItself) {
 using PageOfDialog = test::HostedDialog;
 using test::Do;
 
-TEST_F(PageOfDialog, IsLaidOutByTheSystemsFocus) {
+TEST_F(PageOfDialog, LeavesTheFocusToTheSystem) {
     struct Dialog : CkorcontrolcenterDlg {
         BOOL OnInitDialog() override { return Result = CkorcontrolcenterDlg::OnInitDialog(); }
         BOOL Result = -1;

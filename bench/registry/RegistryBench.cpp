@@ -5,15 +5,14 @@
 // argument limits the trees: the largest number of keys.
 #include <windows.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "bench/Measured.h"
 #include "bench/registry/BareRegistry.h"
 #include "registry/CRegistryKey.h"
 #include "tests/support/ImportHook.h"
@@ -61,27 +60,8 @@ private:
 #undef COUNT
 };
 
-double Now() {
-    LARGE_INTEGER frequency;
-    LARGE_INTEGER now;
-    QueryPerformanceFrequency(&frequency);
-    QueryPerformanceCounter(&now);
-    return static_cast<double>(now.QuadPart) * 1e6 / static_cast<double>(frequency.QuadPart);
-}
-
-using Work = std::function<void()>;
-
-struct Measured {
-    double best = std::numeric_limits<double>::max();
-    void Take(const Work& prepare, const Work& work, int repeats) {
-        prepare();
-        const double start = Now();
-        for (int i = 0; i < repeats; ++i) {
-            work();
-        }
-        best = std::min(best, (Now() - start) / repeats);
-    }
-};
+using bench::Measured;
+using bench::Work;
 
 // Ours and the bare calls in turn, the best round of each.
 void Compare(const char* name, int rounds, int repeats, const Work& prepare, const Work& ours,

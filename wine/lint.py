@@ -17,7 +17,8 @@ import time
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 INCLUDE = re.compile(rb'^#include "([^"]+)"', re.MULTILINE)
 TIDY_ARGUMENTS = ["--target=x86_64-w64-mingw32", "-Wno-unknown-warning-option",
-                  "-Wno-unused-command-line-argument"]
+                  "-Wno-unused-command-line-argument",
+                  "-Wno-deprecated-declarations"]
 
 
 def run(command):

@@ -140,7 +140,8 @@ class Launcher(unittest.TestCase):
         self.assertEqual(level.attrib, {"level": "asInvoker", "uiAccess": "false"})
         self.assertEqual([(setting.tag, setting.text) for setting in assembly.find(settings)],
                          [("{http://schemas.microsoft.com/SMI/2005/WindowsSettings}dpiAware", "true")])
-        systems = assembly.findall(f"{compatibility}compatibility/{compatibility}application/{compatibility}supportedOS")
+        steps = ("compatibility", "application", "supportedOS")
+        systems = assembly.findall("/".join(compatibility + step for step in steps))
         self.assertEqual([system.get("Id") for system in systems], [
             "{35138b9a-5d96-4fbd-8e2d-a2440225f93a}", "{4a2f28e3-53b9-4441-ba9c-d69d4a4a6e38}",
             "{1f676c76-80e1-4239-95bb-83d0f6d0da78}", "{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}"])

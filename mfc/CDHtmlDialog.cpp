@@ -174,23 +174,28 @@ void CDHtmlDialog::OnActivate(UINT nState, CWnd* pWndOther, BOOL bMinimized) {
     if (m_pBrowserApp != nullptr && SUCCEEDED(m_pBrowserApp.QueryInterface(&control))) {
         control->OnFrameWindowActivate(nState != WA_INACTIVE ? TRUE : FALSE);
     }
-}
-
-// The dialog itself has nothing to do with the focus.
-void CDHtmlDialog::OnSetFocus(CWnd* pOldWnd) {
-    CDialog::OnSetFocus(pOldWnd);
-    if (GetFocus() == m_hWnd) {
+    // The dialog manager knows the control's outermost window at best.
+    if (nState != WA_INACTIVE && !bMinimized) {
         FocusPage();
     }
 }
 
-void CDHtmlDialog::FocusPage() {
+void CDHtmlDialog::OnSetFocus(CWnd* pOldWnd) {
+    if (!FocusPage()) {
+        CDialog::OnSetFocus(pOldWnd);
+    }
+}
+
+// False when the dialog is not active, or has no page.
+bool CDHtmlDialog::FocusPage() {
     CComPtr<IOleWindow> view;
     HWND window = nullptr;
     if (m_hWnd != nullptr && GetActiveWindow() == m_hWnd && m_spHtmlDoc != nullptr &&
         SUCCEEDED(m_spHtmlDoc.QueryInterface(&view)) && SUCCEEDED(view->GetWindow(&window))) {
         SetFocus(window);
+        return true;
     }
+    return false;
 }
 
 void CDHtmlDialog::OnSize(UINT nType, int cx, int cy) {

@@ -145,7 +145,7 @@ private:
     bool IsReloaded() const;
     bool IsOwnPage() const;
     bool TakeDocument();
-    void FocusPage();
+    bool FocusPage();
 
     OleSession m_ole;
     UINT m_nHtmlResID;

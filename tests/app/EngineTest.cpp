@@ -229,6 +229,12 @@ TEST_F(Engine, ASinkThatIsNoLongerConnectedAnswersNothing) {
             test::FireAt(browserSink, DISPID_DOCUMENTCOMPLETE, {url, m_page.Browser.Dispatch()}),
             S_OK);
         VariantClear(&url);
+        VARIANT_BOOL cancelled = VARIANT_FALSE;
+        VARIANT cancel = {};
+        cancel.vt = VT_BYREF | VT_BOOL;
+        cancel.pboolVal = &cancelled;
+        EXPECT_EQ(test::FireAt(browserSink, DISPID_NEWWINDOW2, {cancel, {}}), S_OK);
+        EXPECT_EQ(cancelled, VARIANT_FALSE);
     };
     RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
                                     pageSink = m_page.Document.Sink;
@@ -381,9 +387,13 @@ TEST_F(Engine, TheDocumentGetsTheFocusOfAnActiveDialog) {
     for (const bool atOnce : {false, true}) {
         SCOPED_TRACE(atOnce);
         const auto makeView = [&] {
-            m_page.Document.Window =
-                CreateWindowExW(0, L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, 0, 10, 10,
-                                m_dialog.m_hWnd, nullptr, nullptr, nullptr);
+            // Within another one, as an engine's are: the dialog manager would find a child.
+            HWND parent = m_dialog.m_hWnd;
+            for (int depth = 0; depth < 2; ++depth) {
+                parent = CreateWindowExW(0, L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, 0, 10, 10,
+                                         parent, nullptr, nullptr, nullptr);
+            }
+            m_page.Document.Window = parent;
         };
         m_page.Document.Sections = &m_page.Sections;
         m_page.Browser.OnNavigate = [&] {
@@ -395,9 +405,13 @@ TEST_F(Engine, TheDocumentGetsTheFocusOfAnActiveDialog) {
         RunModal(m_dialog, m_page,
                  {Do([&] {
                       SetActiveWindow(m_dialog.m_hWnd);
+                      // A page that was complete before the dialog was shown gets it with the next
+                      // activation; until then the dialog manager gives it to the control.
                       if (!atOnce) {
                           m_page.Complete();
+                          EXPECT_EQ(GetFocus(), m_page.Document.Window);
                       }
+                      SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_ACTIVE, 0);
                       EXPECT_EQ(GetFocus(), m_page.Document.Window);
                       SetFocus(m_dialog.m_hWnd);
                       EXPECT_EQ(GetFocus(), m_page.Document.Window) << "the dialog hands it on";

@@ -18,7 +18,8 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 INCLUDE = re.compile(rb'^#include "([^"]+)"', re.MULTILINE)
 TIDY_ARGUMENTS = ["--target=x86_64-w64-mingw32", "-Wno-unknown-warning-option",
                   "-Wno-unused-command-line-argument",
-                  "-Wno-deprecated-declarations"]
+                  "-Wno-deprecated-declarations",
+                  "-Wno-microsoft-exception-spec"]
 
 
 def run(command):

@@ -6,7 +6,6 @@
 
 namespace {
 
-using test::Do;
 using test::RunModal;
 
 // A dialog whose message map takes messages that only a creation sends.

@@ -33,7 +33,7 @@ int ReportWith(Send send, unsigned int style = 0) {
             EXPECT_EQ(module, GetModuleHandleW(L"wtsapi32.dll"));
             EXPECT_NE(find.Original(module, name), nullptr) << "the real one is there";
         }
-        return isIt ? reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&CallSend))
+        return isIt ? reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(&CallSend))
                     : find.Original(module, name);
     });
     return ReportFatalError(L"The message", L"Caption", style);

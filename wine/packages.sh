@@ -16,6 +16,10 @@ kor_lint_packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build python3
     googletest clang-format-19 clang-tidy-19 shellcheck flake8
 )
+kor_mutation_packages=(
+    "${kor_test_packages[@]}"
+    python3-clang-19 libclang-common-19-dev util-linux
+)
 
 # kor_need PACKAGE...: installs those that are missing; asks apt only when one is.
 kor_need() {

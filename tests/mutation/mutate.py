@@ -1,0 +1,123 @@
+"""Puts faults into the product's sources one at a time and lists those that no test notices."""
+import argparse
+import signal
+import sys
+import threading
+import traceback
+
+from draw import Chosen, Sample
+from equivalents import Equivalents, identity
+from fault import read_source
+from places import find_faults
+from processes import Stopped
+from record import NOT_VIABLE, SURVIVED, Record
+from report import report
+from tree import fingerprint, processors, root_of_the_project
+from worker import Worker
+
+FOLDERS = ("app", "app/page", "page", "catalogue", "registry", "env", "base")
+
+
+class Run:
+    def __init__(self, root, sample, record):
+        self.root = root
+        self.sample = sample
+        self.record = record
+        self.equivalents = Equivalents()
+        self.lock = threading.Lock()
+        self.drawn = []
+        self.failure = None
+
+    def text(self, path):
+        return read_source(self.root / path)
+
+    def next(self):
+        with self.lock:
+            return None if self.failure else self.sample.next()
+
+    def finish(self, result):
+        with self.lock:
+            self.drawn.append(result)
+            if result.verdict == NOT_VIABLE:
+                self.sample.replace(result.fault)
+            fault = result.fault
+            print(f"{result.verdict:10} {result.seconds:6} s  {fault.path}:{fault.line} "
+                  f"{fault.operator}  [{result.noticed}]", flush=True)
+
+    def work(self, worker):
+        try:
+            worker.start()
+            while (fault := self.next()) is not None:
+                result = self.record.find(fault)
+                if result is None:
+                    listed = self.equivalents.reason(fault, self.text(fault.path))
+                    result = worker.judge(fault, with_programs=not listed)
+                    self.record.keep(result)
+                self.finish(result)
+        except Stopped:
+            pass
+        except BaseException as error:
+            traceback.print_exc()
+            self.failure = error
+
+
+def survivors(root, faults, place):
+    """Those of the faults that survived when they were last tried, wherever they stand now."""
+    verdicts = {}
+    for file in sorted(place.glob("results-*.jsonl"), key=lambda file: file.stat().st_mtime):
+        for result in Record(file).results.values():
+            verdicts[result.place] = result.verdict
+    return [fault for fault in faults
+            if verdicts.get(identity(fault, read_source(root / fault.path))) == SURVIVED]
+
+
+def options():
+    parser = argparse.ArgumentParser(prog="tests/mutation/run", description=__doc__)
+    parser.add_argument("--sample", type=int, metavar="COUNT", help="how many faults")
+    parser.add_argument("--seed", type=int, help="what the draw begins with")
+    parser.add_argument("--survivors", action="store_true",
+                        help="only those that survived before the tests were changed")
+    chosen = parser.parse_args()
+    if chosen.survivors == (chosen.sample is not None) or (chosen.sample is None) != (
+            chosen.seed is None):
+        parser.error("give --sample and --seed, or --survivors")
+    return chosen
+
+
+def main():
+    chosen = options()
+    root = root_of_the_project()
+    place = root / "build/mutation"
+    mark = fingerprint(root)
+    faults = find_faults(root, FOLDERS, place)
+    if chosen.survivors:
+        sample = Chosen(survivors(root, faults, place))
+        print(f"{len(sample.waiting)} survivors", flush=True)
+    else:
+        sample = Sample(faults, chosen.sample, chosen.seed)
+        print(f"{len(faults)} possible faults; {chosen.sample} of them with seed {chosen.seed}: "
+              + ", ".join(f"{count} in {name}" for name, count in sorted(sample.shares.items())),
+              flush=True)
+    run = Run(root, sample, Record(place / f"results-{mark}.jsonl"))
+    workers = [Worker(root, place / f"copy-{number}", mark, processor)
+               for number, processor in enumerate(processors()[:2])]
+    threads = [threading.Thread(target=run.work, args=[worker]) for worker in workers]
+
+    def stop(*_):
+        for worker in workers:
+            worker.processes.stop()
+    signal.signal(signal.SIGTERM, stop)
+    signal.signal(signal.SIGINT, stop)
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    print("\n" + report(run.drawn, run.equivalents, run.text))
+    stopped = any(worker.processes.stopped.is_set() for worker in workers)
+    if stopped:
+        print("\nEnded before all were tried; the same command goes on from here.")
+    return 1 if stopped or run.failure else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

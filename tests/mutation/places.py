@@ -1,0 +1,105 @@
+"""Every fault that can be put into the product's sources, from clang's syntax tree of each."""
+import json
+from concurrent.futures import ProcessPoolExecutor
+from pathlib import Path
+
+from clang.cindex import CursorKind, Index, TranslationUnitLoadError
+
+import constants
+import expressions
+import statements
+from compilation import read_commands
+from fault import Fault, read_source
+from tree import fingerprint
+
+FINDERS = (*expressions.FINDERS, *constants.FINDERS, *statements.FINDERS)
+
+
+class Finder:
+    """The faults of one translation unit in the files below root/folder, for each folder."""
+
+    def __init__(self, root, folders):
+        self.root = root
+        self.folders = folders
+        self.texts = {}
+        self.faults = {}
+
+    def product_path(self, cursor):
+        file = cursor.extent.start.file
+        if file is None:
+            return None
+        path = Path(file.name)
+        if not path.is_relative_to(self.root):
+            return None
+        path = path.relative_to(self.root)
+        return path if str(path.parent) in self.folders else None
+
+    def text(self, path):
+        if path not in self.texts:
+            self.texts[path] = read_source(self.root / path)
+        return self.texts[path]
+
+    def visit(self, cursor, path, function):
+        if cursor.kind == CursorKind.STATIC_ASSERT:
+            return
+        if cursor.kind in statements.FUNCTIONS:
+            function = cursor.spelling
+        text = self.text(path)
+        for finder in FINDERS:
+            for start, end, new, operator in finder(cursor, text):
+                line = text.count("\n", 0, start) + 1
+                fault = Fault(path.as_posix(), line, start, end, new, operator, function)
+                if text[start:end] != new:
+                    self.faults.setdefault(fault.key, fault)
+        for child in cursor.get_children():
+            # What a macro or an included file brings has its place elsewhere.
+            if self.product_path(child) == path:
+                self.visit(child, path, function)
+
+    def visit_unit(self, unit):
+        for cursor in unit.cursor.get_children():
+            path = self.product_path(cursor)
+            if path is not None:
+                self.visit(cursor, path, "")
+
+
+def parse(source, arguments):
+    try:
+        unit = Index.create().parse(str(source), args=arguments)
+    except TranslationUnitLoadError as error:
+        raise SystemExit(f"clang cannot read {source}") from error
+    errors = [str(note) for note in unit.diagnostics if note.severity >= note.Error]
+    if errors:
+        raise SystemExit(f"clang does not understand {source}: {errors[0]}")
+    return unit
+
+
+def faults_of(source, arguments, root, folders):
+    finder = Finder(root, folders)
+    finder.visit_unit(parse(source, arguments))
+    return finder.faults
+
+
+def search(root, folders):
+    """All faults, each once, in the order of their places."""
+    commands = read_commands(root / "build/lint/compile_commands.json")
+    sources = [source for source in sorted(commands)
+               if str(source.parent.relative_to(root)) in folders]
+    found = {}
+    with ProcessPoolExecutor() as pool:
+        jobs = [pool.submit(faults_of, source, commands[source], root, folders)
+                for source in sources]
+        for job in jobs:
+            found.update(job.result())
+    return sorted(found.values())
+
+
+def find_faults(root, folders, place):
+    """What search finds; the answer for the same sources is kept in the folder place."""
+    mark = fingerprint(root, lambda name: name.startswith((*folders, "tests/mutation/", "cmake/")))
+    file = place / f"faults-{mark}.json"
+    if not file.exists():
+        faults = search(root, folders)
+        place.mkdir(parents=True, exist_ok=True)
+        file.write_text(json.dumps(faults))
+    return [Fault(*fields) for fields in json.loads(file.read_text())]

@@ -8,7 +8,7 @@ try:
     import clang.cindex  # noqa: F401
 except ImportError:
     print("not run: there is no python3-clang-19", file=sys.stderr)
-    sys.exit(0)
+    sys.exit(77)
 
 from places import faults_of  # noqa: E402
 

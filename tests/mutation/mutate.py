@@ -1,17 +1,18 @@
 """Puts faults into the product's sources one at a time and lists those that no test notices."""
 import argparse
+import json
 import signal
 import sys
 import threading
 import traceback
 
 from draw import Chosen, Sample
-from equivalents import Equivalents, identity
+from equivalents import Equivalents, as_entry, identity
 from fault import read_source
 from places import find_faults
 from processes import Stopped
 from record import NOT_VIABLE, SURVIVED, Record
-from report import report
+from report import report, unlisted_survivors
 from tree import fingerprint, processors, root_of_the_project
 from worker import Worker
 
@@ -113,6 +114,9 @@ def main():
     for thread in threads:
         thread.join()
     print("\n" + report(run.drawn, run.equivalents, run.text))
+    entries = [{**as_entry(result.fault, run.text(result.fault.path)), "reason": ""}
+               for result in unlisted_survivors(run.drawn, run.equivalents, run.text)]
+    (place / "survivors.json").write_text(json.dumps(entries, indent=2) + "\n")
     stopped = any(worker.processes.stopped.is_set() for worker in workers)
     if stopped:
         print("\nEnded before all were tried; the same command goes on from here.")

@@ -35,17 +35,22 @@ def table(counts):
     return "\n".join(lines)
 
 
-def report(results, equivalents, text_of):
+def unlisted_survivors(results, equivalents, text_of):
     """text_of(path): the source without the fault."""
-    counts, survivors, noticed = {}, [], []
+    return [result for result in sorted(results) if result.verdict == SURVIVED
+            and not equivalents.reason(result.fault, text_of(result.fault.path))]
+
+
+def report(results, equivalents, text_of):
+    counts, noticed = {}, []
     for result in sorted(results):
         reason = equivalents.reason(result.fault, text_of(result.fault.path))
         name = column(result, reason)
         counts.setdefault(folder_of(result.fault), Counter())[name] += 1
-        if name == SURVIVED:
-            survivors.append(difference(result.fault, text_of(result.fault.path)))
         if reason and result.verdict == "killed":
             noticed.append(difference(result.fault, text_of(result.fault.path)))
+    survivors = [difference(result.fault, text_of(result.fault.path))
+                 for result in unlisted_survivors(results, equivalents, text_of)]
     parts = [table(counts)]
     if survivors:
         parts.append("Survivors:\n\n" + "\n\n".join(survivors))

@@ -195,7 +195,7 @@ class Equivalence(InAFolder):
         results = [Result(fault(start=9, new="2"), "survived", "", 1, ()),
                    Result(fault(start=9, new="3"), "survived", "", 1, ()),
                    Result(fault(start=0, new="3"), "killed", "one", 1, ())]
-        text = report(results, self.entries("why"), lambda path: self.TEXT)
+        text = report(results, self.entries("why"), {"base/a.cpp": self.TEXT})
         self.assertRegex(text, r"base +1 +1 +1 +0 +33.3 %")
         self.assertIn("-  b(1);\n+  b(3);", text)
         self.assertNotIn("b(2)", text)

@@ -20,17 +20,14 @@ FOLDERS = ("app", "app/page", "page", "catalogue", "registry", "env", "base")
 
 
 class Run:
-    def __init__(self, root, sample, record):
-        self.root = root
+    def __init__(self, texts, sample, record):
+        self.texts = texts  # the sources as they were at the start, without any fault
         self.sample = sample
         self.record = record
         self.equivalents = Equivalents()
         self.lock = threading.Lock()
         self.drawn = []
         self.failure = None
-
-    def text(self, path):
-        return read_source(self.root / path)
 
     def next(self):
         with self.lock:
@@ -51,8 +48,9 @@ class Run:
             while (fault := self.next()) is not None:
                 result = self.record.find(fault)
                 if result is None:
-                    listed = self.equivalents.reason(fault, self.text(fault.path))
-                    result = worker.judge(fault, with_programs=not listed)
+                    listed = self.equivalents.reason(fault, self.texts[fault.path])
+                    place = identity(fault, self.texts[fault.path])
+                    result = worker.judge(fault, place, with_programs=not listed)
                     self.record.keep(result)
                 self.finish(result)
         except Stopped:
@@ -62,14 +60,14 @@ class Run:
             self.failure = error
 
 
-def survivors(root, faults, place):
+def survivors(texts, faults, place):
     """Those of the faults that survived when they were last tried, wherever they stand now."""
     verdicts = {}
     for file in sorted(place.glob("results-*.jsonl"), key=lambda file: file.stat().st_mtime):
         for result in Record(file).results.values():
             verdicts[result.place] = result.verdict
     return [fault for fault in faults
-            if verdicts.get(identity(fault, read_source(root / fault.path))) == SURVIVED]
+            if verdicts.get(identity(fault, texts[fault.path])) == SURVIVED]
 
 
 def options():
@@ -91,15 +89,16 @@ def main():
     place = root / "build/mutation"
     mark = fingerprint(root)
     faults = find_faults(root, FOLDERS, place)
+    texts = {path: read_source(root / path) for path in {fault.path for fault in faults}}
     if chosen.survivors:
-        sample = Chosen(survivors(root, faults, place))
+        sample = Chosen(survivors(texts, faults, place))
         print(f"{len(sample.waiting)} survivors", flush=True)
     else:
         sample = Sample(faults, chosen.sample, chosen.seed)
         print(f"{len(faults)} possible faults; {chosen.sample} of them with seed {chosen.seed}: "
               + ", ".join(f"{count} in {name}" for name, count in sorted(sample.shares.items())),
               flush=True)
-    run = Run(root, sample, Record(place / f"results-{mark}.jsonl"))
+    run = Run(texts, sample, Record(place / f"results-{mark}.jsonl"))
     workers = [Worker(root, place / f"copy-{number}", mark, processor)
                for number, processor in enumerate(processors()[:2])]
     threads = [threading.Thread(target=run.work, args=[worker]) for worker in workers]
@@ -113,9 +112,9 @@ def main():
         thread.start()
     for thread in threads:
         thread.join()
-    print("\n" + report(run.drawn, run.equivalents, run.text))
-    entries = [{**as_entry(result.fault, run.text(result.fault.path)), "reason": ""}
-               for result in unlisted_survivors(run.drawn, run.equivalents, run.text)]
+    print("\n" + report(run.drawn, run.equivalents, texts))
+    entries = [{**as_entry(result.fault, texts[result.fault.path]), "reason": ""}
+               for result in unlisted_survivors(run.drawn, run.equivalents, texts)]
     (place / "survivors.json").write_text(json.dumps(entries, indent=2) + "\n")
     stopped = any(worker.processes.stopped.is_set() for worker in workers)
     if stopped:

@@ -35,22 +35,22 @@ def table(counts):
     return "\n".join(lines)
 
 
-def unlisted_survivors(results, equivalents, text_of):
-    """text_of(path): the source without the fault."""
+def unlisted_survivors(results, equivalents, texts):
+    """texts: for each path the source without the fault."""
     return [result for result in sorted(results) if result.verdict == SURVIVED
-            and not equivalents.reason(result.fault, text_of(result.fault.path))]
+            and not equivalents.reason(result.fault, texts[result.fault.path])]
 
 
-def report(results, equivalents, text_of):
+def report(results, equivalents, texts):
     counts, noticed = {}, []
     for result in sorted(results):
-        reason = equivalents.reason(result.fault, text_of(result.fault.path))
+        reason = equivalents.reason(result.fault, texts[result.fault.path])
         name = column(result, reason)
         counts.setdefault(folder_of(result.fault), Counter())[name] += 1
         if reason and result.verdict == "killed":
-            noticed.append(difference(result.fault, text_of(result.fault.path)))
-    survivors = [difference(result.fault, text_of(result.fault.path))
-                 for result in unlisted_survivors(results, equivalents, text_of)]
+            noticed.append(difference(result.fault, texts[result.fault.path]))
+    survivors = [difference(result.fault, texts[result.fault.path])
+                 for result in unlisted_survivors(results, equivalents, texts)]
     parts = [table(counts)]
     if survivors:
         parts.append("Survivors:\n\n" + "\n\n".join(survivors))

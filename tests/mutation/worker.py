@@ -5,8 +5,6 @@ import time
 
 from build import Build
 from draw import folder_of
-from equivalents import identity
-from fault import read_source
 from processes import Processes
 from record import NOT_VIABLE, SURVIVED, Result
 from tree import copy_tree
@@ -37,7 +35,7 @@ class Worker:
         copy_tree(self.root, self.tree)
         self.prepare(self.units)
 
-    def judge(self, fault, with_programs):
+    def judge(self, fault, place, with_programs):
         started = time.monotonic()
         verdict, noticed = self.units.try_fault(fault)
         if verdict == SURVIVED and with_programs and folder_of(fault) in FOLDERS_SEEN_THERE:
@@ -46,5 +44,4 @@ class Worker:
             # Optimization brings warnings, so errors, of its own.
             verdict = SURVIVED if later == NOT_VIABLE else later
         seconds = round(time.monotonic() - started, 1)
-        place = identity(fault, read_source(self.root / fault.path))
         return Result(fault, verdict, noticed, seconds, place)

@@ -14,7 +14,7 @@ from processes import Stopped
 from record import NOT_VIABLE, SURVIVED, Record
 from report import report, unlisted_survivors
 from tree import fingerprint, processors, root_of_the_project
-from worker import Worker
+from worker import Worker, is_left_to_programs
 
 FOLDERS = ("app", "app/page", "page", "catalogue", "registry", "env", "base")
 
@@ -26,7 +26,7 @@ class Run:
         self.record = record
         self.equivalents = Equivalents()
         self.lock = threading.Lock()
-        self.drawn = []
+        self.drawn = {}
         self.failure = None
 
     def next(self):
@@ -34,25 +34,35 @@ class Run:
             return None if self.failure else self.sample.next()
 
     def finish(self, result):
+        fault = result.fault
         with self.lock:
-            self.drawn.append(result)
+            self.drawn[fault.key] = result
             if result.verdict == NOT_VIABLE:
-                self.sample.replace(result.fault)
-            fault = result.fault
+                self.sample.replace(fault)
             print(f"{result.verdict:10} {result.seconds:6} s  {fault.path}:{fault.line} "
                   f"{fault.operator}  [{result.noticed}]", flush=True)
 
     def work(self, worker):
+        """What each worker does, at the same time as the others."""
+        worker.start()
+        while (fault := self.next()) is not None:
+            result = self.record.find(fault)
+            if result is None:
+                result = worker.judge(fault, identity(fault, self.texts[fault.path]))
+                self.record.keep(result)
+            self.finish(result)
+
+    def show_to_programs(self, worker):
+        """What one worker does at the end, as few are left."""
+        for result in unlisted_survivors(self.drawn.values(), self.equivalents, self.texts):
+            if is_left_to_programs(result):
+                later = worker.judge_by_programs(result.fault, result.place)
+                self.record.keep(later)
+                self.finish(later)
+
+    def attempt(self, task, worker):
         try:
-            worker.start()
-            while (fault := self.next()) is not None:
-                result = self.record.find(fault)
-                if result is None:
-                    listed = self.equivalents.reason(fault, self.texts[fault.path])
-                    place = identity(fault, self.texts[fault.path])
-                    result = worker.judge(fault, place, with_programs=not listed)
-                    self.record.keep(result)
-                self.finish(result)
+            task(worker)
         except Stopped:
             pass
         except BaseException as error:
@@ -101,7 +111,7 @@ def main():
     run = Run(texts, sample, Record(place / f"results-{mark}.jsonl"))
     workers = [Worker(root, place / f"copy-{number}", mark, processor)
                for number, processor in enumerate(processors()[:2])]
-    threads = [threading.Thread(target=run.work, args=[worker]) for worker in workers]
+    threads = [threading.Thread(target=run.attempt, args=[run.work, worker]) for worker in workers]
 
     def stop(*_):
         for worker in workers:
@@ -112,9 +122,11 @@ def main():
         thread.start()
     for thread in threads:
         thread.join()
-    print("\n" + report(run.drawn, run.equivalents, texts))
+    if not run.failure:
+        run.attempt(run.show_to_programs, workers[0])
+    print("\n" + report(run.drawn.values(), run.equivalents, texts))
     entries = [{**as_entry(result.fault, texts[result.fault.path]), "reason": ""}
-               for result in unlisted_survivors(run.drawn, run.equivalents, texts)]
+               for result in unlisted_survivors(run.drawn.values(), run.equivalents, texts)]
     (place / "survivors.json").write_text(json.dumps(entries, indent=2) + "\n")
     stopped = any(worker.processes.stopped.is_set() for worker in workers)
     if stopped:

@@ -12,6 +12,7 @@ from tree import copy_tree
 # What is seen only in the finished programs is asked of these, when no unit test notices.
 FINISHED = re.compile(r"endtoend\.(Development|Links)|kordiag\.page")
 FOLDERS_SEEN_THERE = ("app", "app/page", "page", "catalogue")
+ASKED = "nor do the finished programs"
 
 
 class Worker:
@@ -35,13 +36,24 @@ class Worker:
         copy_tree(self.root, self.tree)
         self.prepare(self.units)
 
-    def judge(self, fault, place, with_programs):
+    def judge(self, fault, place):
+        return self.timed(self.units, fault, place)
+
+    def judge_by_programs(self, fault, place):
+        """For one that no unit test noticed."""
+        self.prepare(self.finished)
+        result = self.timed(self.finished, fault, place)
+        # Optimization brings warnings, so errors, of its own.
+        later = SURVIVED if result.verdict == NOT_VIABLE else result.verdict
+        return result._replace(verdict=later, noticed=ASKED if later == SURVIVED else result.noticed)
+
+    @staticmethod
+    def timed(build, fault, place):
         started = time.monotonic()
-        verdict, noticed = self.units.try_fault(fault)
-        if verdict == SURVIVED and with_programs and folder_of(fault) in FOLDERS_SEEN_THERE:
-            self.prepare(self.finished)
-            later, noticed = self.finished.try_fault(fault)
-            # Optimization brings warnings, so errors, of its own.
-            verdict = SURVIVED if later == NOT_VIABLE else later
-        seconds = round(time.monotonic() - started, 1)
-        return Result(fault, verdict, noticed, seconds, place)
+        verdict, noticed = build.try_fault(fault)
+        return Result(fault, verdict, noticed, round(time.monotonic() - started, 1), place)
+
+
+def is_left_to_programs(result):
+    return (result.verdict == SURVIVED and result.noticed != ASKED
+            and folder_of(result.fault) in FOLDERS_SEEN_THERE)

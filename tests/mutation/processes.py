@@ -48,7 +48,7 @@ class Processes:
     @staticmethod
     def end(process):
         """First a request, so that scripts remove their prefixes."""
-        for number, patience in ((signal.SIGTERM, 15), (signal.SIGKILL, 5)):
+        for number, patience in ((signal.SIGTERM, 60), (signal.SIGKILL, 5)):
             deadline = time.monotonic() + patience
             try:
                 os.killpg(process.pid, number)

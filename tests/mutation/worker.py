@@ -44,8 +44,9 @@ class Worker:
         self.prepare(self.finished)
         result = self.timed(self.finished, fault, place)
         # Optimization brings warnings, so errors, of its own.
-        later = SURVIVED if result.verdict == NOT_VIABLE else result.verdict
-        return result._replace(verdict=later, noticed=ASKED if later == SURVIVED else result.noticed)
+        if result.verdict in (SURVIVED, NOT_VIABLE):
+            return result._replace(verdict=SURVIVED, noticed=ASKED)
+        return result
 
     @staticmethod
     def timed(build, fault, place):

@@ -1,4 +1,6 @@
 """The draw, the dependence, the copies, the record, the list of equivalents and the report."""
+import contextlib
+import io
 import json
 import subprocess
 import tempfile
@@ -9,13 +11,15 @@ from pathlib import Path
 from build import Build, Test
 from compilation import translate
 from dependence import read_deps, read_graph
-from draw import Sample, by_line, folder_of, shares
+from draw import Chosen, Sample, by_line, folder_of, shares
 from equivalents import Equivalents, as_entry
 from fault import Fault
+from mutate import Run, survivors
 from processes import Processes
 from record import Record, Result
 from report import report
 from tree import copy_tree, files_of, processors
+from worker import ASKED
 
 
 def fault(path="base/a.cpp", line=1, start=0, new="x", function="f"):
@@ -39,7 +43,8 @@ class Draw(unittest.TestCase):
 
     def test_the_same_seed_draws_the_same(self):
         self.assertEqual(self.drawn(20, 7), self.drawn(20, 7))
-        self.assertNotEqual(self.drawn(20, 7), self.drawn(20, 8))
+        self.assertNotEqual({one.line for one in self.drawn(20, 7)},
+                            {one.line for one in self.drawn(20, 8)})
 
     def test_folders_have_their_shares(self):
         folders = [folder_of(one) for one in self.drawn(20, 7)]
@@ -82,9 +87,9 @@ class Running(InAFolder):
     def test_a_command_that_hangs_is_ended_with_what_it_started(self):
         started = time.monotonic()
         result, output = Processes(processors()[0]).run(
-            ["sh", "-c", "sleep 60 & echo begun; wait"], self.root, seconds=0.3)
-        self.assertEqual((result, output), (None, "begun\n"))
-        self.assertLess(time.monotonic() - started, 10)
+            ["sh", "-c", "sleep 600 & wait"], self.root, seconds=0.1)
+        self.assertEqual((result, output), (None, ""))
+        self.assertLess(time.monotonic() - started, 60)
 
 
 class TryingFaults(InAFolder):
@@ -199,6 +204,81 @@ class Equivalence(InAFolder):
         self.assertRegex(text, r"base +1 +1 +1 +0 +33.3 %")
         self.assertIn("-  b(1);\n+  b(3);", text)
         self.assertNotIn("b(2)", text)
+
+
+class Judge:
+    """Instead of a worker: says what becomes of each fault by what it puts in."""
+
+    def __init__(self, verdicts, later="survived"):
+        self.verdicts = verdicts
+        self.later = later
+        self.asked = []
+
+    def start(self):
+        pass
+
+    def judge(self, one, place):
+        self.asked.append(one.new)
+        return Result(one, self.verdicts[one.new], "", 1, place)
+
+    def judge_by_programs(self, one, place):
+        self.asked.append(f"programs: {one.new}")
+        return Result(one, self.later, ASKED, 1, place)
+
+
+class Runs(InAFolder):
+    TEXTS = {"app/a.cpp": "abc\n", "base/a.cpp": "abc\n"}
+
+    def setUp(self):
+        super().setUp()
+        self.file = self.root / "results-1.jsonl"
+        (self.root / "list").write_text("[]")
+
+    def run_with(self, sample, judge):
+        # What it says of each fault is not looked at.
+        with contextlib.redirect_stdout(io.StringIO()):
+            run = Run(self.TEXTS, sample, Record(self.file), Equivalents(self.root / "list"))
+            run.attempt(run.work, judge)
+            run.attempt(run.show_to_programs, judge)
+        self.assertIsNone(run.failure)
+        return sorted((result.fault.new, result.verdict) for result in run.drawn.values())
+
+    def test_go_on_with_what_was_not_tried(self):
+        faults = [fault(new=new) for new in "xyz"]
+        first = Judge({"x": "killed", "y": "survived"})
+        self.run_with(Chosen(faults[:2]), first)
+        second = Judge({"z": "killed"})
+        self.assertEqual(self.run_with(Chosen(faults), second),
+                         [("x", "killed"), ("y", "survived"), ("z", "killed")])
+        self.assertEqual(second.asked, ["z"])
+
+    def test_replace_what_cannot_be_compiled(self):
+        faults = [fault(line=line, new=str(line)) for line in range(9)]
+        judge = Judge(dict.fromkeys("01234567", "not viable") | {"8": "killed"})
+        found = self.run_with(Sample(faults, 1, 7), judge)
+        self.assertEqual([verdict for _, verdict in found if verdict != "not viable"], ["killed"])
+
+    def test_show_the_finished_programs_only_what_they_can_show(self):
+        faults = [fault("app/a.cpp", new="x"), fault("base/a.cpp", new="y"),
+                  fault("app/a.cpp", new="z")]
+        verdicts = {"x": "survived", "y": "survived", "z": "killed"}
+        judge = Judge(verdicts, later="killed")
+        self.assertEqual(self.run_with(Chosen(faults), judge),
+                         [("x", "killed"), ("y", "survived"), ("z", "killed")])
+        self.assertEqual(judge.asked, ["x", "z", "y", "programs: x"])
+
+    def test_show_it_to_them_once(self):
+        self.run_with(Chosen([fault("app/a.cpp", new="x")]), Judge({"x": "survived"}))
+        again = Judge({})
+        self.run_with(Chosen([fault("app/a.cpp", new="x")]), again)
+        self.assertEqual(again.asked, [])
+
+    def test_the_survivors_are_found_where_they_stand_now(self):
+        self.run_with(Chosen([fault(start=1, new="x"), fault(start=2, new="y")]),
+                      Judge({"x": "survived", "y": "killed"}))
+        moved = {"base/a.cpp": "// New.\nabc\n"}
+        now = [fault(line=2, start=9, new="x"), fault(line=2, start=10, new="y")]
+        self.assertEqual(survivors(moved, now, self.root), now[:1])
 
 
 if __name__ == "__main__":

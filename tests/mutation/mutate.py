@@ -9,7 +9,6 @@ import traceback
 from draw import Chosen, Sample
 from equivalents import Equivalents, as_entry, identity
 from fault import read_source
-from places import find_faults
 from processes import Stopped
 from record import NOT_VIABLE, SURVIVED, Record
 from report import report, unlisted_survivors
@@ -20,11 +19,11 @@ FOLDERS = ("app", "app/page", "page", "catalogue", "registry", "env", "base")
 
 
 class Run:
-    def __init__(self, texts, sample, record):
+    def __init__(self, texts, sample, record, equivalents):
         self.texts = texts  # the sources as they were at the start, without any fault
         self.sample = sample
         self.record = record
-        self.equivalents = Equivalents()
+        self.equivalents = equivalents
         self.lock = threading.Lock()
         self.drawn = {}
         self.failure = None
@@ -98,6 +97,8 @@ def main():
     root = root_of_the_project()
     place = root / "build/mutation"
     mark = fingerprint(root)
+    # Only here is clang needed.
+    from places import find_faults
     faults = find_faults(root, FOLDERS, place)
     texts = {path: read_source(root / path) for path in {fault.path for fault in faults}}
     if chosen.survivors:
@@ -108,7 +109,7 @@ def main():
         print(f"{len(faults)} possible faults; {chosen.sample} of them with seed {chosen.seed}: "
               + ", ".join(f"{count} in {name}" for name, count in sorted(sample.shares.items())),
               flush=True)
-    run = Run(texts, sample, Record(place / f"results-{mark}.jsonl"))
+    run = Run(texts, sample, Record(place / f"results-{mark}.jsonl"), Equivalents())
     workers = [Worker(root, place / f"copy-{number}", mark, processor)
                for number, processor in enumerate(processors()[:2])]
     threads = [threading.Thread(target=run.attempt, args=[run.work, worker]) for worker in workers]

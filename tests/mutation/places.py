@@ -3,7 +3,7 @@ import json
 from concurrent.futures import ProcessPoolExecutor
 from pathlib import Path
 
-from clang.cindex import CursorKind, Index, TranslationUnitLoadError
+from clang.cindex import CursorKind, Index, TranslationUnit, TranslationUnitLoadError
 
 import constants
 import expressions
@@ -12,6 +12,7 @@ from compilation import read_commands
 from fault import Fault, read_source
 from tree import fingerprint
 
+COMMON = ("windows.h", "algorithm", "cstdint", "cwchar", "functional", "memory", "string")
 FINDERS = (*expressions.FINDERS, *constants.FINDERS, *statements.FINDERS)
 
 
@@ -63,9 +64,10 @@ class Finder:
                 self.visit(cursor, path, "")
 
 
-def parse(source, arguments):
+def parse(source, arguments, options=0):
     try:
-        unit = Index.create().parse(str(source), args=arguments)
+        # Declarations that a precompiled header brings are not visited.
+        unit = Index.create(excludeDecls=True).parse(str(source), args=arguments, options=options)
     except TranslationUnitLoadError as error:
         raise SystemExit(f"clang cannot read {source}") from error
     errors = [str(note) for note in unit.diagnostics if note.severity >= note.Error]
@@ -80,15 +82,29 @@ def faults_of(source, arguments, root, folders):
     return finder.faults
 
 
-def search(root, folders):
+def precompile(header, arguments):
+    """What nearly every source includes, read once; gives the arguments with it."""
+    header.write_text("".join(f"#include <{name}>\n" for name in COMMON))
+    unit = parse(header, [*arguments, "-xc++-header"], TranslationUnit.PARSE_INCOMPLETE)
+    result = str(header.with_suffix(".pch"))
+    unit.save(result)
+    return [*arguments, "-include-pch", result]
+
+
+def search(root, folders, place):
     """All faults, each once, in the order of their places."""
     commands = read_commands(root / "build/lint/compile_commands.json")
-    sources = [source for source in sorted(commands)
-               if str(source.parent.relative_to(root)) in folders]
+    commands = {source: arguments for source, arguments in sorted(commands.items())
+                if str(source.parent.relative_to(root)) in folders}
+    common = {}
+    for arguments in commands.values():
+        if str(arguments) not in common:
+            header = place / f"common-{len(common)}.hpp"
+            common[str(arguments)] = precompile(header, arguments)
     found = {}
     with ProcessPoolExecutor() as pool:
-        jobs = [pool.submit(faults_of, source, commands[source], root, folders)
-                for source in sources]
+        jobs = [pool.submit(faults_of, source, common[str(arguments)], root, folders)
+                for source, arguments in commands.items()]
         for job in jobs:
             found.update(job.result())
     return sorted(found.values())
@@ -99,7 +115,7 @@ def find_faults(root, folders, place):
     mark = fingerprint(root, lambda name: name.startswith((*folders, "tests/mutation/", "cmake/")))
     file = place / f"faults-{mark}.json"
     if not file.exists():
-        faults = search(root, folders)
         place.mkdir(parents=True, exist_ok=True)
+        faults = search(root, folders, place)
         file.write_text(json.dumps(faults))
     return [Fault(*fields) for fields in json.loads(file.read_text())]

@@ -25,7 +25,8 @@ class Test:
         properties = {pair["name"]: pair["value"] for pair in entry.get("properties", ())}
         self.name = entry["name"]
         self.command = entry.get("command", [])
-        self.is_long = "long" in properties.get("LABELS", ())
+        # Labels mark the long ones.
+        self.is_long = bool(properties.get("LABELS"))
         self.folder = properties.get("WORKING_DIRECTORY")
         self.environment = dict(pair.split("=", 1) for pair in properties.get("ENVIRONMENT", ()))
         self.seconds = None

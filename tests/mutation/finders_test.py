@@ -10,7 +10,7 @@ except ImportError:
     print("not run: there is no python3-clang-19", file=sys.stderr)
     sys.exit(77)
 
-from places import faults_of  # noqa: E402
+from places import faults_of
 
 HEAD = """#define NUMBER 5
 bool Ask(int one);

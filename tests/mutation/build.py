@@ -10,8 +10,12 @@ from fault import read_source, write_source
 
 FAILED_TEST = re.compile(r"^\[  FAILED  \] (\S+)", re.M)
 FAILED_CASE = re.compile(r"^(?:FAIL|ERROR): (\S+)", re.M)
-# A test that takes this many times as long as without a fault, and these seconds, hangs.
+# A test that computes for this many times as long as it takes without a fault, and these seconds,
+# does not end. One that waits has CTest's limit: what else the machine does must not look like it.
 SLOWNESS, PATIENCE = 10, 30
+
+
+HANGS = "(does not end)"
 
 
 class Unsound(Exception):
@@ -29,6 +33,7 @@ class Test:
         self.is_long = bool(properties.get("LABELS"))
         self.folder = properties.get("WORKING_DIRECTORY")
         self.environment = dict(pair.split("=", 1) for pair in properties.get("ENVIRONMENT", ()))
+        self.limit = properties.get("TIMEOUT")
         self.seconds = None
 
 
@@ -67,18 +72,19 @@ class Build:
 
     def measure(self, test):
         started = time.monotonic()
-        if self.run_test(test, None) is not None:
+        if self.run_test(test) is not None:
             raise Unsound(f"{test.name} fails without a fault")
         return time.monotonic() - started
 
-    def run_test(self, test, seconds):
+    def run_test(self, test, computing=None):
         """None when it passes, else what noticed."""
         environment = {**test.environment, "GTEST_FAIL_FAST": "1"}
-        result, output = self.processes.run(test.command, test.folder, environment, seconds)
+        result, output = self.processes.run(test.command, test.folder, environment, test.limit,
+                                            computing)
         if result == 0:
             return None
         if result is None:
-            return f"{test.name} (hangs)"
+            return f"{test.name} {HANGS}"
         first = FAILED_TEST.search(output) or FAILED_CASE.search(output)
         return f"{test.name} {first[1]}" if first else f"{test.name} (exit code {result})"
 
@@ -116,7 +122,7 @@ class Build:
                 if "FAILED: " not in output:
                     raise Unsound(f"ninja cannot make {programs}:\n{output[-4000:]}")
                 return "not viable", first_error(output)
-            noticed = self.run_test(test, SLOWNESS * test.seconds + PATIENCE)
+            noticed = self.run_test(test, int(SLOWNESS * test.seconds) + PATIENCE)
             if noticed is not None:
                 return "killed", noticed
         return "survived", ""

@@ -91,6 +91,13 @@ class Running(InAFolder):
         self.assertEqual((result, output), (None, ""))
         self.assertLess(time.monotonic() - started, 60)
 
+    def test_a_command_that_only_computes_is_ended(self):
+        started = time.monotonic()
+        result, _ = Processes(processors()[0]).run(["sh", "-c", "while :; do :; done"], self.root,
+                                                   computing=1)
+        self.assertNotEqual(result, 0)
+        self.assertLess(time.monotonic() - started, 60)
+
 
 class TryingFaults(InAFolder):
     """With a build of its own: the program is a copy of its source."""
@@ -191,6 +198,14 @@ class Equivalence(InAFolder):
         self.assertEqual(known.reason(fault(start=14, new="2"), moved), "why")
         self.assertIsNone(known.reason(fault(start=14, new="3"), moved))
         self.assertIsNone(known.reason(fault(start=14, new="2", function="g"), moved))
+
+    def test_the_report_names_what_only_waited(self):
+        results = [Result(fault(start=9, new="2"), "killed", "one (does not end)", 1, ()),
+                   Result(fault(start=9, new="3"), "killed", "one", 1, ())]
+        text = report(results, self.entries("why"), {"base/a.cpp": self.TEXT})
+        self.assertIn("Killed since a test waited", text)
+        self.assertEqual(text.count("+  b(2);"), 2)  # it is a listed one, too
+        self.assertNotIn("+  b(3);", text)
 
     def test_needs_a_reason(self):
         with self.assertRaises(ValueError):

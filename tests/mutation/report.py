@@ -1,6 +1,7 @@
 """The result of a sample in words: counts by folder and the survivors."""
 from collections import Counter
 
+from build import HANGS
 from draw import folder_of
 from record import NOT_VIABLE, SURVIVED
 
@@ -54,6 +55,10 @@ def report(results, equivalents, texts):
     parts = [table(counts)]
     if survivors:
         parts.append("Survivors:\n\n" + "\n\n".join(survivors))
+    waited = [result for result in results if result.noticed.endswith(HANGS)]
+    if waited:
+        parts.append("Killed since a test waited until its time was over:\n\n" + "\n\n".join(
+            difference(result.fault, texts[result.fault.path]) for result in waited))
     if noticed:
         parts.append("Listed as equivalent, and yet noticed by a test:\n\n" + "\n\n".join(noticed))
     return "\n\n".join(parts)

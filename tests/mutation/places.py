@@ -1,6 +1,5 @@
 """Every fault that can be put into the product's sources, from clang's syntax tree of each."""
 import json
-from concurrent.futures import ProcessPoolExecutor
 from pathlib import Path
 
 from clang.cindex import CursorKind, Index, TranslationUnit, TranslationUnitLoadError
@@ -102,11 +101,8 @@ def search(root, folders, place):
             header = place / f"common-{len(common)}.hpp"
             common[str(arguments)] = precompile(header, arguments)
     found = {}
-    with ProcessPoolExecutor() as pool:
-        jobs = [pool.submit(faults_of, source, common[str(arguments)], root, folders)
-                for source, arguments in commands.items()]
-        for job in jobs:
-            found.update(job.result())
+    for source, arguments in commands.items():
+        found.update(faults_of(source, common[str(arguments)], root, folders))
     return sorted(found.values())
 
 

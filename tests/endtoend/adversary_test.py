@@ -99,8 +99,7 @@ class Keys(Adversary):
                     try:
                         self.refresh_and_end(clicks)
                     finally:
-                        session.terminate()
-                        session.launcher.wait()
+                        session.kill()
 
     def refresh_and_end(self, clicks):
         session = self.session

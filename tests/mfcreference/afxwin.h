@@ -39,13 +39,11 @@ protected:                                                                      
 class CObject {
 public:
     virtual ~CObject();
+    CObject(const CObject&) = delete;
+    void operator=(const CObject&) = delete;
 
 protected:
     CObject() = default;
-
-private:
-    CObject(const CObject&) = delete;
-    void operator=(const CObject&) = delete;
 };
 
 class CCmdTarget : public CObject {

@@ -33,18 +33,6 @@ HRESULT STDMETHODCALLTYPE BrowserSite::QueryInterface(REFIID iid, void** object)
     return S_OK;
 }
 
-ULONG STDMETHODCALLTYPE BrowserSite::AddRef() {
-    return ++m_references;
-}
-
-ULONG STDMETHODCALLTYPE BrowserSite::Release() {
-    const ULONG references = --m_references;
-    if (references == 0) {
-        delete this;
-    }
-    return references;
-}
-
 HRESULT STDMETHODCALLTYPE BrowserSite::GetMoniker(DWORD /*assign*/, DWORD /*which*/,
                                                   IMoniker** moniker) {
     *moniker = nullptr;

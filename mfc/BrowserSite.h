@@ -7,29 +7,20 @@
 #include <mshtmhst.h>
 #include <oleidl.h>
 
+#include "mfc/ComObject.h"
+
 class CDHtmlDialog;
 
-// COM's interfaces have no virtual destructor: Release destroys.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
-// Made by new, with one reference. The control may keep references past the dialog's end; Detach
-// makes the site answer on its own from then on.
-class BrowserSite final : public IOleClientSite,
-                          public IOleInPlaceSite,
-                          public IOleInPlaceFrame,
-                          public IDocHostUIHandler,
-                          public IDispatch {
+// The control may keep references past the dialog's end; Detach makes the site answer on its own
+// from then on.
+class BrowserSite final : public ComObject<IOleClientSite, IOleInPlaceSite, IOleInPlaceFrame,
+                                           IDocHostUIHandler, IDispatch> {
 public:
     explicit BrowserSite(CDHtmlDialog& dialog) : m_dialog(&dialog) {}
-    BrowserSite(const BrowserSite&) = delete;
-    BrowserSite& operator=(const BrowserSite&) = delete;
 
     void Detach() { m_dialog = nullptr; }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
 
     // IOleClientSite
     HRESULT STDMETHODCALLTYPE SaveObject() override { return E_NOTIMPL; }
@@ -102,10 +93,7 @@ public:
                                      UINT* argumentError) override;
 
 private:
-    virtual ~BrowserSite() = default;
+    ~BrowserSite() override = default;
 
-    ULONG m_references = 1;
     CDHtmlDialog* m_dialog; // null once detached
 };
-
-#pragma GCC diagnostic pop

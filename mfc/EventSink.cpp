@@ -41,18 +41,6 @@ HRESULT STDMETHODCALLTYPE EventSink::QueryInterface(REFIID iid, void** object) {
     return S_OK;
 }
 
-ULONG STDMETHODCALLTYPE EventSink::AddRef() {
-    return ++m_references;
-}
-
-ULONG STDMETHODCALLTYPE EventSink::Release() {
-    const ULONG references = --m_references;
-    if (references == 0) {
-        delete this;
-    }
-    return references;
-}
-
 HRESULT STDMETHODCALLTYPE EventSink::GetTypeInfoCount(UINT* count) {
     *count = 0;
     return S_OK;

@@ -6,6 +6,7 @@
 #include <comdef.h>
 #include <ocidl.h>
 
+#include "mfc/ComObject.h"
 #include "mfc/atlcomcli.h"
 
 class CDHtmlDialog;
@@ -23,27 +24,19 @@ HRESULT AnswerSystem(const Function& function) noexcept {
     }
 }
 
-// COM's interfaces have no virtual destructor: Release destroys.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 // Connected to one outgoing dispatch interface at a time; events that come while it is not are
-// passed over. Made by new, with one reference; the dialog must live until Disconnect.
-class EventSink final : public IDispatch {
+// passed over. The dialog must live until Disconnect.
+class EventSink final : public ComObject<IDispatch> {
 public:
     using Handler = void (CDHtmlDialog::*)(DISPID event, const DISPPARAMS& parameters);
 
     EventSink(REFIID events, CDHtmlDialog& dialog, Handler handler)
         : m_events(events), m_dialog(dialog), m_handler(handler) {}
-    EventSink(const EventSink&) = delete;
-    EventSink& operator=(const EventSink&) = delete;
 
     HRESULT Connect(IUnknown* source);
     void Disconnect();
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
@@ -53,14 +46,11 @@ public:
                                      UINT* argumentError) override;
 
 private:
-    virtual ~EventSink() = default;
+    ~EventSink() override = default;
 
-    ULONG m_references = 1;
     IID m_events;
     CDHtmlDialog& m_dialog;
     Handler m_handler;
     CComPtr<IConnectionPoint> m_connection;
     DWORD m_cookie = 0;
 };
-
-#pragma GCC diagnostic pop

@@ -11,18 +11,6 @@ HRESULT STDMETHODCALLTYPE NoDropTarget::QueryInterface(REFIID iid, void** object
     return S_OK;
 }
 
-ULONG STDMETHODCALLTYPE NoDropTarget::AddRef() {
-    return ++m_references;
-}
-
-ULONG STDMETHODCALLTYPE NoDropTarget::Release() {
-    const ULONG references = --m_references;
-    if (references == 0) {
-        delete this;
-    }
-    return references;
-}
-
 HRESULT STDMETHODCALLTYPE NoDropTarget::DragEnter(IDataObject* /*data*/, DWORD /*keys*/,
                                                   POINTL /*position*/, DWORD* effect) {
     *effect = DROPEFFECT_NONE;

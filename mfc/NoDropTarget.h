@@ -5,20 +5,11 @@
 
 #include <oleidl.h>
 
-// COM's interfaces have no virtual destructor: Release destroys.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+#include "mfc/ComObject.h"
 
-// Made by new, with one reference.
-class NoDropTarget final : public IDropTarget {
+class NoDropTarget final : public ComObject<IDropTarget> {
 public:
-    NoDropTarget() = default;
-    NoDropTarget(const NoDropTarget&) = delete;
-    NoDropTarget& operator=(const NoDropTarget&) = delete;
-
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD keys, POINTL position,
                                         DWORD* effect) override;
     HRESULT STDMETHODCALLTYPE DragOver(DWORD keys, POINTL position, DWORD* effect) override;
@@ -27,9 +18,5 @@ public:
                                    DWORD* effect) override;
 
 private:
-    virtual ~NoDropTarget() = default;
-
-    ULONG m_references = 1;
+    ~NoDropTarget() override = default;
 };
-
-#pragma GCC diagnostic pop

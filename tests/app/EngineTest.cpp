@@ -1,5 +1,5 @@
 // What an engine does by itself, and what the dialog makes of it: reloads, drops, menus, foreign
-// pages, keys.
+// pages, late events.
 #include <windows.h>
 
 #include <exdispid.h>
@@ -7,6 +7,7 @@
 #include <mshtmhst.h>
 
 #include "tests/app/HostedDialog.h"
+#include "tests/support/GuardedMemory.h"
 
 namespace {
 
@@ -20,6 +21,19 @@ VARIANT Text(const wchar_t* text) {
     value.bstrVal = SysAllocString(text);
     return value;
 }
+
+// The mouse on an item of the page.
+struct OnItem {
+    OnItem() {
+        Item.ClassName = L"item";
+        Item.Style = &Style;
+        Event.Source = &Item;
+    }
+
+    test::FakeStyle Style;
+    test::FakeElement Item;
+    test::FakeEvent Event;
+};
 
 class Engine : public test::HostedDialog {
 protected:
@@ -49,23 +63,11 @@ protected:
         m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
     }
 
-    test::Turn Key(UINT message, WPARAM key) {
-        return [this, message, key] {
-            MSG posted = {};
-            posted.hwnd = m_dialog.m_hWnd;
-            posted.message = message;
-            posted.wParam = key;
-            return posted;
-        };
-    }
-
     template <typename Interface>
     CComPtr<Interface>& Site(CComPtr<Interface>& face) {
         EXPECT_EQ(m_page.Browser.Site->QueryInterface(IID_PPV_ARGS(&face)), S_OK);
         return face;
     }
-
-    std::size_t Fills() const { return m_page.Sections.InnerHtml.size(); }
 
     test::FakeElement m_newBody;
 };
@@ -193,19 +195,14 @@ TEST_F(Engine, AForeignPageIsNeitherFilledNorHeard) {
 }
 
 TEST_F(Engine, EventsOfAForeignPageInTheSameDocumentReachNoHandler) {
-    test::FakeStyle style;
-    test::FakeElement item;
-    item.ClassName = L"item";
-    item.Style = &style;
-    test::FakeEvent event;
-    event.Source = &item;
+    OnItem on;
     constexpr auto MouseOut = static_cast<DISPID>(0x80010009);
     RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
-                                    m_page.Document.Fire(MouseOut, {VariantOf(event)});
-                                    EXPECT_EQ(style.Colors.size(), 1U);
+                                    m_page.Document.Fire(MouseOut, {VariantOf(on.Event)});
+                                    EXPECT_EQ(on.Style.Colors.size(), 1U);
                                     m_page.Document.Url = L"file:///C:/dropped.htm";
-                                    m_page.Document.Fire(MouseOut, {VariantOf(event)});
-                                    EXPECT_EQ(style.Colors.size(), 1U);
+                                    m_page.Document.Fire(MouseOut, {VariantOf(on.Event)});
+                                    EXPECT_EQ(on.Style.Colors.size(), 1U);
                                     m_page.Complete();
                                     EXPECT_EQ(m_page.Document.Sink, nullptr);
                                     EXPECT_EQ(Fills(), 1U);
@@ -213,16 +210,11 @@ TEST_F(Engine, EventsOfAForeignPageInTheSameDocumentReachNoHandler) {
 }
 
 TEST_F(Engine, ASinkThatIsNoLongerConnectedAnswersNothing) {
-    test::FakeStyle style;
-    test::FakeElement item;
-    item.ClassName = L"item";
-    item.Style = &style;
-    test::FakeEvent event;
-    event.Source = &item;
+    OnItem on;
     CComPtr<IDispatch> pageSink;
     CComPtr<IDispatch> browserSink;
     const auto tellBoth = [&] {
-        EXPECT_EQ(test::FireAt(pageSink, static_cast<DISPID>(0x80010008), {VariantOf(event)}),
+        EXPECT_EQ(test::FireAt(pageSink, static_cast<DISPID>(0x80010008), {VariantOf(on.Event)}),
                   S_OK);
         VARIANT url = Text(L"");
         EXPECT_EQ(
@@ -242,7 +234,7 @@ TEST_F(Engine, ASinkThatIsNoLongerConnectedAnswersNothing) {
                                 })});
     ASSERT_EQ(Fills(), 1U);
     tellBoth();
-    EXPECT_TRUE(style.Colors.empty());
+    EXPECT_TRUE(on.Style.Colors.empty());
     EXPECT_EQ(Fills(), 1U);
 }
 
@@ -265,31 +257,26 @@ TEST_F(Engine, TheControlIsToldWhenTheFrameIsActivated) {
 
 // The element under the mouse is kept until the dialog's end, the event's until its handler's.
 TEST_F(Engine, ClosingInTheMiddleOfAnEventLeavesNoReferenceBehind) {
-    test::FakeStyle style;
-    test::FakeElement item;
-    item.ClassName = L"item";
-    item.Style = &style;
-    test::FakeEvent event;
-    event.Source = &item;
+    OnItem on;
     bool wentOn = false;
     {
         CkorcontrolcenterDlg dialog;
-        style.OnColor = [&] { DestroyWindow(dialog.m_hWnd); };
+        on.Style.OnColor = [&] { DestroyWindow(dialog.m_hWnd); };
         RunModal(dialog, m_page,
                  {Do([&] { m_page.Complete(); }), Do([&] {
-                      m_page.Document.Fire(static_cast<DISPID>(0x80010008), {VariantOf(event)});
+                      m_page.Document.Fire(static_cast<DISPID>(0x80010008), {VariantOf(on.Event)});
                   }),
                   Do([&] { wentOn = true; })});
-        EXPECT_EQ(event.References, 0);
+        EXPECT_EQ(on.Event.References, 0);
         EXPECT_EQ(m_page.Browser.References, 0);
         EXPECT_EQ(m_page.Browser.Site, nullptr);
         EXPECT_EQ(m_page.Body.References, 0);
         EXPECT_EQ(m_page.Document.References, 0);
     }
     EXPECT_FALSE(wentOn);
-    EXPECT_EQ(style.Colors.size(), 1U);
-    EXPECT_EQ(item.References, 0);
-    EXPECT_EQ(style.References, 0);
+    EXPECT_EQ(on.Style.Colors.size(), 1U);
+    EXPECT_EQ(on.Item.References, 0);
+    EXPECT_EQ(on.Style.References, 0);
 }
 
 TEST_F(Engine, ClosingWhileThePageIsFilledEndsIt) {
@@ -299,135 +286,23 @@ TEST_F(Engine, ClosingWhileThePageIsFilledEndsIt) {
     EXPECT_EQ(m_page.Browser.References, 0);
 }
 
-// The engine is one that: never asks; asks and takes the host's answer; asks again and again;
-// asks only when the key is dispatched to its window; takes every key without asking.
-TEST_F(Engine, F5FillsOnceHoweverTheEngineAsks) {
-    const std::function<HRESULT(MSG*)> engines[] = {
-        [](MSG*) { return S_FALSE; },
-        [&](MSG* key) { return AskHost(key->message, key->wParam) == S_OK ? S_OK : S_FALSE; },
-        [&](MSG* key) {
-            AskHost(key->message, key->wParam);
-            return AskHost(key->message, key->wParam) == S_OK ? S_OK : S_FALSE;
-        },
-        [](MSG*) { return S_OK; },
+// The site, the two sinks and a drop target: objects that delete themselves.
+TEST_F(Engine, NothingOfTheHostOutlivesItsDialog) {
+    const auto show = [] {
+        test::FakePage page;
+        CkorcontrolcenterDlg dialog;
+        RunModal(dialog, page, {Do([&] {
+                     CComPtr<IDocHostUIHandler> host;
+                     CComPtr<IDropTarget> target;
+                     EXPECT_EQ(page.Browser.Site->QueryInterface(IID_PPV_ARGS(&host)), S_OK);
+                     EXPECT_EQ(host->GetDropTarget(nullptr, &target), S_OK);
+                     EXPECT_EQ(page.Complete(), S_OK);
+                 })});
     };
-    for (const auto& engine : engines) {
-        for (const bool asksWhenDispatched : {false, true}) {
-            SCOPED_TRACE(testing::PrintToString(&engine - engines) + " " +
-                         testing::PrintToString(asksWhenDispatched));
-            m_page.Browser.OnKey = engine;
-            m_page.Browser.Keys.clear();
-            std::size_t before = 0;
-            HOOK_IMPORT(window, CallWindowProcW,
-                        [&](WNDPROC procedure, HWND of, UINT message, WPARAM key, LPARAM lParam) {
-                            if (asksWhenDispatched && message == WM_KEYUP) {
-                                AskHost(message, key);
-                            }
-                            return window.Original(procedure, of, message, key, lParam);
-                        });
-            RunModal(m_dialog, m_page,
-                     {Do([&] {
-                          m_page.Complete();
-                          before = Fills();
-                      }),
-                      Key(WM_KEYDOWN, VK_F5), Key(WM_KEYUP, VK_F5),
-                      Do([&] { EXPECT_EQ(Fills(), before + 1); }), Key(WM_KEYUP, VK_F5),
-                      Do([&] { EXPECT_EQ(Fills(), before + 2) << "the next one is another"; })});
-            EXPECT_EQ(m_page.Browser.Keys, (std::vector<UINT>{WM_KEYUP, WM_KEYUP}))
-                << "the engine would refresh when the key goes down";
-        }
-    }
-}
-
-TEST_F(Engine, TheReloadKeyOfAKeyboardDoesNotReachIt) {
-    RunModal(m_dialog, m_page,
-             {Do([&] { m_page.Complete(); }), Key(WM_KEYDOWN, VK_BROWSER_REFRESH),
-              Do([&] { EXPECT_TRUE(m_page.Browser.Keys.empty()); })});
-}
-
-TEST_F(Engine, AltF4QuitsOnceHoweverTheEngineAsks) {
-    for (const bool asks : {false, true}) {
-        SCOPED_TRACE(asks);
-        m_page.Quits = 0;
-        m_page.Browser.OnKey = [&](const MSG* key) {
-            return asks ? AskHost(key->message, key->wParam) : S_FALSE;
-        };
-        RunModal(m_dialog, m_page,
-                 {Key(WM_SYSKEYDOWN, VK_F4), Do([&] {
-                      EXPECT_EQ(m_page.Quits, 0);
-                      EXPECT_NE(m_dialog.m_hWnd, nullptr);
-                  }),
-                  Key(WM_SYSKEYUP, VK_F4), Do([&] {
-                      EXPECT_EQ(m_page.Quits, 1);
-                      EXPECT_NE(m_dialog.m_hWnd, nullptr) << "not closed by it";
-                  })});
-    }
-}
-
-TEST_F(Engine, AFailureToFillThePageEndsBeforeTheLoop) {
-    bool fails = false;
-    HOOK_IMPORT(allocate, SysAllocString, [&](const OLECHAR* text) -> BSTR {
-        return !fails || wcscmp(text, L"Sections") == 0 ? allocate.Original(text) : nullptr;
-    });
-    bool wentOn = false;
-    RunModal(m_dialog, m_page,
-             {Do([&] {
-                  m_page.Complete();
-                  fails = true;
-              }),
-              Key(WM_KEYUP, VK_F5), Do([&] {
-                  fails = false;
-                  wentOn = true;
-              })});
-    EXPECT_TRUE(wentOn);
-    EXPECT_EQ(Fills(), 1U);
-}
-
-TEST_F(Engine, TheDocumentGetsTheFocusOfAnActiveDialog) {
-    for (const bool atOnce : {false, true}) {
-        SCOPED_TRACE(atOnce);
-        const auto makeView = [&] {
-            // Within another one, as an engine's are: the dialog manager would find a child.
-            HWND parent = m_dialog.m_hWnd;
-            for (int depth = 0; depth < 2; ++depth) {
-                parent = CreateWindowExW(0, L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, 0, 10, 10,
-                                         parent, nullptr, nullptr, nullptr);
-            }
-            m_page.Document.Window = parent;
-        };
-        m_page.Document.Sections = &m_page.Sections;
-        m_page.Browser.OnNavigate = [&] {
-            makeView();
-            if (atOnce) {
-                m_page.Complete();
-            }
-        };
-        RunModal(m_dialog, m_page,
-                 {Do([&] {
-                      SetActiveWindow(m_dialog.m_hWnd);
-                      // A page that was complete before the dialog was shown gets it with the next
-                      // activation; until then the dialog manager gives it to the control.
-                      if (!atOnce) {
-                          m_page.Complete();
-                          EXPECT_EQ(GetFocus(), m_page.Document.Window);
-                      }
-                      SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_ACTIVE, 0);
-                      EXPECT_EQ(GetFocus(), m_page.Document.Window);
-                      SetFocus(m_dialog.m_hWnd);
-                      EXPECT_EQ(GetFocus(), m_page.Document.Window) << "the dialog hands it on";
-                  }),
-                  Do([&] {
-                      const HWND other =
-                          CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 10, 10,
-                                          nullptr, nullptr, nullptr, nullptr);
-                      m_page.Document.Sections = nullptr; // resizing would activate the dialog
-                      SetActiveWindow(other);
-                      SetFocus(other);
-                      m_page.Complete();
-                      EXPECT_EQ(GetFocus(), other) << "nothing is taken from another window";
-                      DestroyWindow(other);
-                  })});
-    }
+    show();
+    const std::int64_t before = test::LiveBlocks();
+    show();
+    EXPECT_EQ(test::LiveBlocks(), before);
 }
 
 TEST_F(Engine, ThePageMayLoadPicturesAndNoControls) {

@@ -31,6 +31,9 @@ protected:
         return result;
     }
 
+    // How often the page was filled.
+    std::size_t Fills() const { return m_page.Sections.InnerHtml.size(); }
+
     SIZE WindowSize() const {
         RECT window = {};
         GetWindowRect(m_dialog.m_hWnd, &window);

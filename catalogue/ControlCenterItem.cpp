@@ -15,10 +15,15 @@ ControlCenterItem::ControlCenterItem(const ControlCenterSection* section, const 
                                      const CKORString& prefix, const CKORString& suffix,
                                      const CKORString& path, ControlCenterItemType type,
                                      const CKORString& arguments)
-    : Label(label), Path(path), Prefix(prefix), Suffix(suffix), Arguments(arguments), Type(type),
-      Id(CKORString::Format(L"%s_%d", section->Key.Text(), static_cast<int>(section->Count()))),
-      Section(section) {
+    : Section(section) {
+    Path = path;
+    Label = label;
+    Prefix = prefix;
+    Suffix = suffix;
+    Arguments = arguments;
+    Type = type;
     LongestLabelLength = std::max(LongestLabelLength, Label.Length());
+    Id = CKORString::Format(L"%s_%d", section->Key.Text(), static_cast<int>(section->Count()));
     // A click compares with the unchanged key, so an id that had blanks never finds its section:
     // intended.
     std::replace(Id.begin(), Id.end(), L' ', L'-');

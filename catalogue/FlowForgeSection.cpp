@@ -24,10 +24,8 @@ constexpr ItemRow<I> Items[] = {
 
 void BuildFlowForgeSection(SectionTable& sections, const Installation& installation) {
     // Without a folder the program's name would be looked up in the current one.
-    CKORString program;
-    if (installation.FlowForgeInstallDir.Length() > 0) {
-        program = installation.FlowForgeInstallDir + L"FlowForge.exe";
-    }
+    const CKORString& folder = installation.FlowForgeInstallDir;
+    const CKORString program = folder.Length() > 0 ? folder + L"FlowForge.exe" : CKORString();
     if (program.Length() > 0 && PathFileExistsW(program.Text()) != FALSE) {
         AddItems(sections, AddSection(sections, L"FLOWFORGE", Title), Items, installation);
     } else {

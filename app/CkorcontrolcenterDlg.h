@@ -45,8 +45,6 @@ protected:
     afx_msg void OnGetMinMaxInfo(MINMAXINFO* lpMMI);
 
 private:
-    const ControlCenterItem* FindItem(const CKORString& id) const;
-
     CComPtr<IHTMLElement> m_hoveredElement; // the item under the mouse
     HICON m_icon;
     std::int64_t m_workAreaWidth;

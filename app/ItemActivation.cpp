@@ -5,8 +5,6 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
-#include <cwchar>
-
 #include "app/page/PageMarkup.h"
 
 namespace {
@@ -20,14 +18,6 @@ void SetColor(IHTMLStyle* style, long color) {
     value.vt = VT_I4;
     value.lVal = color;
     style->put_color(value);
-}
-
-std::int64_t FindLast(const CKORString& text, wchar_t character) {
-    std::int64_t position = text.Length() - 1;
-    while (position >= 0 && text[position] != character) {
-        --position;
-    }
-    return position;
 }
 
 } // namespace
@@ -72,7 +62,7 @@ HRESULT CkorcontrolcenterDlg::OnItemClick(IHTMLElement* element) {
     if (textReceived == nullptr || idReceived == nullptr) {
         return S_OK;
     }
-    const ControlCenterItem* const item = FindItem(idReceived);
+    const ControlCenterItem* const item = Sections.FindItem(idReceived);
     if (item != nullptr && item->Path.Length() > 0) {
         // Copies: a message box lets the catalogue be built again.
         const CKORString path(item->Path);
@@ -80,29 +70,6 @@ HRESULT CkorcontrolcenterDlg::OnItemClick(IHTMLElement* element) {
         LaunchItem(path, arguments, item->Type);
     }
     return S_OK;
-}
-
-// The id is the section's key, '_' and the item's index. A section that has too few items is passed
-// over, since several may have the same key. Null when there is none.
-const ControlCenterItem* CkorcontrolcenterDlg::FindItem(const CKORString& id) const {
-    const std::int64_t separator = FindLast(id, L'_');
-    if (separator < 0) {
-        return nullptr;
-    }
-    const long index = _wtol(id.Text() + separator + 1);
-    // No item has such an index; an element of the page may say anything, and nothing may be read
-    // before a section's first item.
-    if (index < 0) {
-        return nullptr;
-    }
-    const CKORString key = id.Left(separator);
-    for (const ControlCenterSection* const section : Sections) {
-        if (_wcsicmp(section->Key.Text(), key.Text()) == 0 && section->Count() > index &&
-            (*section)[index] != nullptr) {
-            return (*section)[index];
-        }
-    }
-    return nullptr;
 }
 
 void CkorcontrolcenterDlg::LaunchItem(const CKORString& path, const CKORString& arguments,

@@ -32,12 +32,12 @@ constexpr ItemRow<I> Items[] = {
 
 } // namespace
 
-void BuildActiveKorSection(SectionTable& sections, const Installation& installation) {
+void BuildActiveKorSection(Catalogue& catalogue, const Installation& installation) {
     const CKORString control = installation.InstallDir + L"ActiveKOR/Controls/kor.ocx";
     if (PathFileExistsW(control.Text()) != FALSE) {
-        AddItems(sections, AddSection(sections, L"ACTIVEKOR", Title), Items, installation);
+        AddItems(catalogue, AddSection(catalogue, L"ACTIVEKOR", Title), Items, installation);
     } else {
-        sections.Omissions.Add(
+        catalogue.Omissions.Add(
             {Title, L"", L"the control file does not exist", control, PathBase::InstallDir});
     }
 }

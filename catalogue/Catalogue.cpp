@@ -1,10 +1,20 @@
 #include "catalogue/Catalogue.h"
 
+#include <cwchar>
+
 #include "catalogue/SectionBuilders.h"
 
 namespace {
 
 constexpr wchar_t NotDevelopment[] = L"this is no development installation";
+
+std::int64_t FindLast(const CKORString& text, wchar_t character) {
+    std::int64_t position = text.Length() - 1;
+    while (position >= 0 && text[position] != character) {
+        --position;
+    }
+    return position;
+}
 
 } // namespace
 
@@ -13,6 +23,7 @@ Catalogue::~Catalogue() {
 }
 
 void Catalogue::Build(const Installation& installation, bool isDevelopment) {
+    DeleteAll(*this);
     Omissions.SetSize(0, false);
     if (isDevelopment) {
         BuildQuickStartSection(*this, installation);
@@ -43,4 +54,26 @@ std::int64_t Catalogue::PlaceOnGrid(std::int64_t columnCount) {
         ++column;
     }
     return row + 1;
+}
+
+// Takes apart what the item's constructor made: the section's key, '_' and the item's index.
+const ControlCenterItem* Catalogue::FindItem(const CKORString& id) const {
+    const std::int64_t separator = FindLast(id, L'_');
+    if (separator < 0) {
+        return nullptr;
+    }
+    const long index = _wtol(id.Text() + separator + 1);
+    // No item has such an index; an element of the page may say anything, and nothing may be read
+    // before a section's first item.
+    if (index < 0) {
+        return nullptr;
+    }
+    const CKORString key = id.Left(separator);
+    for (const ControlCenterSection* const section : *this) {
+        if (_wcsicmp(section->Key.Text(), key.Text()) == 0 && section->Count() > index &&
+            (*section)[index] != nullptr) {
+            return (*section)[index];
+        }
+    }
+    return nullptr;
 }

@@ -24,8 +24,8 @@ ControlCenterItem::ControlCenterItem(const ControlCenterSection* section, const 
     Type = type;
     LongestLabelLength = std::max(LongestLabelLength, Label.Length());
     Id = CKORString::Format(L"%s_%d", section->Key.Text(), static_cast<int>(section->Count()));
-    // A click compares with the unchanged key, so an id that had blanks never finds its section:
-    // intended.
+    // Catalogue::FindItem compares with the unchanged key, so an id that had blanks never finds its
+    // section: intended.
     std::replace(Id.begin(), Id.end(), L' ', L'-');
 }
 

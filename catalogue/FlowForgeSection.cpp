@@ -22,14 +22,14 @@ constexpr ItemRow<I> Items[] = {
 
 } // namespace
 
-void BuildFlowForgeSection(SectionTable& sections, const Installation& installation) {
+void BuildFlowForgeSection(Catalogue& catalogue, const Installation& installation) {
     // Without a folder the program's name would be looked up in the current one.
     const CKORString& folder = installation.FlowForgeInstallDir;
     const CKORString program = folder.Length() > 0 ? folder + L"FlowForge.exe" : CKORString();
     if (program.Length() > 0 && PathFileExistsW(program.Text()) != FALSE) {
-        AddItems(sections, AddSection(sections, L"FLOWFORGE", Title), Items, installation);
+        AddItems(catalogue, AddSection(catalogue, L"FLOWFORGE", Title), Items, installation);
     } else {
-        sections.Omissions.Add(
+        catalogue.Omissions.Add(
             {Title, L"", L"the program does not exist", program, PathBase::FlowForgeInstallDir});
     }
 }

@@ -150,26 +150,26 @@ CKORString TitleOf(const CKORString& versionName, bool is32Bit) {
     return L"Flow Forge " + versionName + (is32Bit ? L" (32-bit)" : L"");
 }
 
-void AddVersionSection(SectionTable& sections, const Version& version, bool is32Bit) {
+void AddVersionSection(Catalogue& catalogue, const Version& version, bool is32Bit) {
     const CKORString title = TitleOf(version.Name, is32Bit);
     const CKORString program = version.InstallFolder + L"FlowForge.exe";
     if (!Exists(program) && !Exists(version.InstallFolder + L"/Tools")) {
-        sections.Omissions.Add({title, L"", L"neither the program nor a folder Tools exists",
-                                program, PathBase::VersionInstallFolder});
+        catalogue.Omissions.Add({title, L"", L"neither the program nor a folder Tools exists",
+                                 program, PathBase::VersionInstallFolder});
         return;
     }
     // The key does not tell the views apart, so a click on a version that both list finds the
     // 64-bit section: intended.
-    ControlCenterSection& section = AddSection(sections, L"FLOWFORGE-" + version.Name, title);
+    ControlCenterSection& section = AddSection(catalogue, L"FLOWFORGE-" + version.Name, title);
     if (Exists(program)) {
-        AddItems(sections, section, ProductItems, version);
+        AddItems(catalogue, section, ProductItems, version);
     }
-    AddItems(sections, section, RuntimeManagerItem, version);
+    AddItems(catalogue, section, RuntimeManagerItem, version);
 }
 
 } // namespace
 
-void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit) {
+void BuildFlowForgeVersionsSection(Catalogue& catalogue, bool is32Bit) {
     CRegistryKey key;
     // A probe without a use: intended.
     if (key.Open(ActiveRuntimeKey, false)) {
@@ -177,9 +177,9 @@ void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit) {
     }
     const wchar_t* const versionsKey = is32Bit ? VersionsKey32Bit : VersionsKey;
     if (!key.Open(versionsKey, false)) {
-        sections.Omissions.Add({TitleOf(L"versions", is32Bit), L"",
-                                L"the registry key does not exist or may not be read", versionsKey,
-                                PathBase::None});
+        catalogue.Omissions.Add({TitleOf(L"versions", is32Bit), L"",
+                                 L"the registry key does not exist or may not be read", versionsKey,
+                                 PathBase::None});
         return;
     }
     CTable1D<CKORString> names;
@@ -191,10 +191,10 @@ void BuildFlowForgeVersionsSection(SectionTable& sections, bool is32Bit) {
         version.Name = name;
         version.RuntimeManagerPath = runtimeManager;
         if (ReadFolders(key, version)) {
-            AddVersionSection(sections, version, is32Bit);
+            AddVersionSection(catalogue, version, is32Bit);
         } else {
-            sections.Omissions.Add({TitleOf(name, is32Bit), L"", WhyWithoutFolders(key),
-                                    CKORString(versionsKey) + L"\\" + name, PathBase::None});
+            catalogue.Omissions.Add({TitleOf(name, is32Bit), L"", WhyWithoutFolders(key),
+                                     CKORString(versionsKey) + L"\\" + name, PathBase::None});
         }
     }
     key.CloseIfOpen();

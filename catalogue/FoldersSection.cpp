@@ -17,6 +17,6 @@ constexpr ItemRow<I> Items[] = {
 
 } // namespace
 
-void BuildFoldersSection(SectionTable& sections, const Installation& installation) {
-    AddItems(sections, AddSection(sections, L"FOLDERS", FoldersTitle), Items, installation);
+void BuildFoldersSection(Catalogue& catalogue, const Installation& installation) {
+    AddItems(catalogue, AddSection(catalogue, L"FOLDERS", FoldersTitle), Items, installation);
 }

@@ -37,6 +37,6 @@ constexpr ItemRow<I> Items[] = {
 
 } // namespace
 
-void BuildGeneralToolsSection(SectionTable& sections, const Installation& installation) {
-    AddItems(sections, AddSection(sections, L"TOOLS", L"General Tools"), Items, installation);
+void BuildGeneralToolsSection(Catalogue& catalogue, const Installation& installation) {
+    AddItems(catalogue, AddSection(catalogue, L"TOOLS", L"General Tools"), Items, installation);
 }

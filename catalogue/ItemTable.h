@@ -63,7 +63,7 @@ inline PathBase BaseOf(CKORString Installation::* text) {
 
 // False when the row's condition does not hold, with a note unless it is one of alternatives.
 template <typename Bases>
-bool IsMade(SectionTable& sections, const ControlCenterSection& section, const ItemRow<Bases>& row,
+bool IsMade(Catalogue& catalogue, const ControlCenterSection& section, const ItemRow<Bases>& row,
             const Bases& bases, const CKORString& target) {
     const ItemCondition<Bases>& condition = row.Condition;
     const CKORString& tested = condition.Tested != nullptr ? bases.*condition.Tested : target;
@@ -71,19 +71,20 @@ bool IsMade(SectionTable& sections, const ControlCenterSection& section, const I
         return true;
     }
     if (condition.Otherwise != nullptr) {
-        sections.Omissions.Add({section.Title, row.Label, condition.Otherwise, tested,
-                                BaseOf(condition.Tested != nullptr ? condition.Tested : row.Base)});
+        catalogue.Omissions.Add(
+            {section.Title, row.Label, condition.Otherwise, tested,
+             BaseOf(condition.Tested != nullptr ? condition.Tested : row.Base)});
     }
     return false;
 }
 
 template <typename Bases, std::size_t N>
-void AddItems(SectionTable& sections, ControlCenterSection& section,
-              const ItemRow<Bases> (&rows)[N], const Bases& bases) {
+void AddItems(Catalogue& catalogue, ControlCenterSection& section, const ItemRow<Bases> (&rows)[N],
+              const Bases& bases) {
     const CKORString nothing;
     for (const ItemRow<Bases>& row : rows) {
         const CKORString target = TargetOf(row, bases);
-        if (!IsMade(sections, section, row, bases, target)) {
+        if (!IsMade(catalogue, section, row, bases, target)) {
             continue;
         }
         const bool otherLabel = row.LabelUnlessFile != nullptr && !IsExistingFile(target.Text());
@@ -96,9 +97,9 @@ void AddItems(SectionTable& sections, ControlCenterSection& section,
 }
 
 // The section is in the list before its first item is made.
-inline ControlCenterSection& AddSection(SectionTable& sections, const CKORString& key,
+inline ControlCenterSection& AddSection(Catalogue& catalogue, const CKORString& key,
                                         const CKORString& title) {
     auto* const section = new ControlCenterSection(key, title);
-    sections.Add(section);
+    catalogue.Add(section);
     return *section;
 }

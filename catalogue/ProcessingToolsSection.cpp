@@ -20,6 +20,6 @@ constexpr ItemRow<I> Items[] = {
 
 } // namespace
 
-void BuildProcessingToolsSection(SectionTable& sections, const Installation& installation) {
-    AddItems(sections, AddSection(sections, L"GUI", L"Processing Tools"), Items, installation);
+void BuildProcessingToolsSection(Catalogue& catalogue, const Installation& installation) {
+    AddItems(catalogue, AddSection(catalogue, L"GUI", L"Processing Tools"), Items, installation);
 }

@@ -24,6 +24,6 @@ constexpr ItemRow<I> Items[] = {
 
 } // namespace
 
-void BuildQuickStartSection(SectionTable& sections, const Installation& installation) {
-    AddItems(sections, AddSection(sections, L"KOR", QuickStartTitle), Items, installation);
+void BuildQuickStartSection(Catalogue& catalogue, const Installation& installation) {
+    AddItems(catalogue, AddSection(catalogue, L"KOR", QuickStartTitle), Items, installation);
 }

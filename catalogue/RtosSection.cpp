@@ -18,14 +18,14 @@ constexpr ItemRow<I> Items[] = {
 
 } // namespace
 
-void BuildRtosSection(SectionTable& sections, const Installation& installation) {
+void BuildRtosSection(Catalogue& catalogue, const Installation& installation) {
     // The key's existence alone decides.
     CRegistryKey key;
     if (!key.Open(RtxKey, false)) {
-        sections.Omissions.Add({Title, L"", L"the registry key does not exist or may not be read",
-                                RtxKey, PathBase::None});
+        catalogue.Omissions.Add({Title, L"", L"the registry key does not exist or may not be read",
+                                 RtxKey, PathBase::None});
         return;
     }
-    AddItems(sections, AddSection(sections, L"RT", Title), Items, installation);
+    AddItems(catalogue, AddSection(catalogue, L"RT", Title), Items, installation);
     key.Close(false);
 }

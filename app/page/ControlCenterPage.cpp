@@ -17,7 +17,6 @@ void ControlCenterPage::QueryInstallation() {
 }
 
 void ControlCenterPage::BuildSections() {
-    DeleteAll(Sections);
     Sections.Build(*this, IsDevelopmentInstallation());
     RowCount = Sections.PlaceOnGrid(ColumnCount);
 }

@@ -19,13 +19,6 @@ struct ExpectedItem {
     const wchar_t* Id;
 };
 
-// Owns the sections that a builder under test appends.
-class BuiltSections : public SectionTable {
-public:
-    BuiltSections() = default;
-    ~BuiltSections() override { DeleteAll(*this); }
-};
-
 inline void ExpectSection(const ControlCenterSection& section, const wchar_t* key,
                           const wchar_t* title, const std::vector<ExpectedItem>& items) {
     EXPECT_STREQ(section.Key.Text(), key);

@@ -8,7 +8,6 @@
 
 namespace {
 
-using test::BuiltSections;
 using test::ExpectSection;
 
 enum { Program = 0, Folder = 1, Document = 2, HelpTopic = 4 };
@@ -28,7 +27,7 @@ Installation AtTestFolder() {
 TEST(QuickStartSection, WithExamples) {
     const test::TestInstallation files;
     files.MakeFolder(L"C:\\KorTest\\Ex");
-    BuiltSections sections;
+    Catalogue sections;
     BuildQuickStartSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     ExpectSection(
@@ -46,7 +45,7 @@ TEST(QuickStartSection, WithoutExamplesTheHelpTakesTheFirstId) {
         if (isFile) {
             files.MakeFile(L"C:\\KorTest\\Ex");
         }
-        BuiltSections sections;
+        Catalogue sections;
         BuildQuickStartSection(sections, AtTestFolder());
         ASSERT_EQ(sections.Count(), 1);
         ExpectSection(
@@ -62,13 +61,13 @@ TEST(QuickStartSection, AnInstallFolderWithoutBackslashIsNotRepaired) {
     files.MakeFolder(L"C:\\KorTest\\Ex");
     Installation installation = AtTestFolder();
     installation.InstallDir = L"C:\\Lib";
-    BuiltSections sections;
+    Catalogue sections;
     BuildQuickStartSection(sections, installation);
     EXPECT_STREQ((*sections[0])[0]->Path.Text(), L"C:\\LibTools\\SampleGallery.exe");
 }
 
 TEST(FoldersSection, HasTheLibrarysFolders) {
-    BuiltSections sections;
+    Catalogue sections;
     BuildFoldersSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     ExpectSection(
@@ -84,7 +83,7 @@ TEST(FoldersSection, HasTheLibrarysFolders) {
 TEST(FoldersSection, WithoutAnExamplesRoot) {
     Installation installation = AtTestFolder();
     installation.KorExamplesRoot = L"";
-    BuiltSections sections;
+    Catalogue sections;
     BuildFoldersSection(sections, installation);
     const ControlCenterSection& section = *sections[0];
     EXPECT_STREQ(section[1]->Path.Text(), L"");
@@ -96,7 +95,7 @@ TEST(GeneralToolsSection, WithEverything) {
     const test::TestInstallation files;
     files.MakeFile(L"C:\\KorTest\\Tools\\TimeScope.exe");
     files.MakeFile(L"C:\\KorTest\\Tutorial videos\\one.mp4");
-    BuiltSections sections;
+    Catalogue sections;
     BuildGeneralToolsSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     ExpectSection(
@@ -111,7 +110,7 @@ TEST(GeneralToolsSection, WithEverything) {
 
 TEST(GeneralToolsSection, WithNothing) {
     const test::TestInstallation files;
-    BuiltSections sections;
+    Catalogue sections;
     BuildGeneralToolsSection(sections, AtTestFolder());
     ExpectSection(
         *sections[0], L"TOOLS", L"General Tools",
@@ -126,7 +125,7 @@ TEST(GeneralToolsSection, WithNothing) {
 TEST(GeneralToolsSection, AFolderInTimeScopesPlaceGetsTheOtherLabel) {
     const test::TestInstallation files;
     files.MakeFolder(L"C:\\KorTest\\Tools\\TimeScope.exe");
-    BuiltSections sections;
+    Catalogue sections;
     BuildGeneralToolsSection(sections, AtTestFolder());
     EXPECT_STREQ((*sections[0])[2]->Label.Text(), L"KORTimeScope");
 }
@@ -135,13 +134,13 @@ TEST(GeneralToolsSection, TutorialsNeedAFolderThatHoldsSomething) {
     {
         const test::TestInstallation files;
         files.MakeFolder(L"C:\\KorTest\\Tutorial videos");
-        BuiltSections sections;
+        Catalogue sections;
         BuildGeneralToolsSection(sections, AtTestFolder());
         EXPECT_EQ(sections[0]->Count(), 4) << "an empty folder";
     }
     const test::TestInstallation files;
     files.MakeFile(L"C:\\KorTest\\Tutorial videos");
-    BuiltSections sections;
+    Catalogue sections;
     BuildGeneralToolsSection(sections, AtTestFolder());
     EXPECT_EQ(sections[0]->Count(), 4) << "a file of that name";
 }
@@ -152,7 +151,7 @@ TEST(GeneralToolsSection, WithoutABackslashOnlyTheJoinedRowsFindTheirTargets) {
     files.MakeFile(L"C:\\KorTest\\Tutorial videos\\one.mp4");
     Installation installation = AtTestFolder();
     installation.InstallDir = L"C:\\KorTest";
-    BuiltSections sections;
+    Catalogue sections;
     BuildGeneralToolsSection(sections, installation);
     ExpectSection(
         *sections[0], L"TOOLS", L"General Tools",
@@ -165,7 +164,7 @@ TEST(GeneralToolsSection, WithoutABackslashOnlyTheJoinedRowsFindTheirTargets) {
 }
 
 TEST(ProcessingToolsSection, ListsTheVisionTools) {
-    BuiltSections sections;
+    Catalogue sections;
     BuildProcessingToolsSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     ExpectSection(
@@ -187,7 +186,7 @@ TEST(ActiveKorSection, WithExamples) {
     const test::TestInstallation files;
     files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
     files.MakeFolder(L"C:\\KorTest\\AEx");
-    BuiltSections sections;
+    Catalogue sections;
     BuildActiveKorSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     ExpectSection(
@@ -208,7 +207,7 @@ TEST(ActiveKorSection, WithExamples) {
 TEST(ActiveKorSection, WithoutExamplesItHoldsSixItems) {
     const test::TestInstallation files;
     files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
-    BuiltSections sections;
+    Catalogue sections;
     BuildActiveKorSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     ASSERT_EQ(sections[0]->Count(), 6);
@@ -219,7 +218,7 @@ TEST(ActiveKorSection, WithoutExamplesItHoldsSixItems) {
 TEST(ActiveKorSection, OfNothingButItsControlFileTheDirectoryIsShown) {
     const test::TestInstallation files;
     files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
-    BuiltSections sections;
+    Catalogue sections;
     BuildActiveKorSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     std::vector<std::wstring> shown;
@@ -235,7 +234,7 @@ TEST(ActiveKorSection, OfNothingButItsControlFileTheDirectoryIsShown) {
 TEST(ActiveKorSection, NeedsTheControlFile) {
     const test::TestInstallation files;
     files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Help\\ActiveKORHelp.chm");
-    BuiltSections sections;
+    Catalogue sections;
     BuildActiveKorSection(sections, AtTestFolder());
     EXPECT_EQ(sections.Count(), 0);
 }
@@ -243,7 +242,7 @@ TEST(ActiveKorSection, NeedsTheControlFile) {
 TEST(RtosSection, NeedsTheKeyOnly) {
     const test::TestInstallation installed;
     installed.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
-    BuiltSections sections;
+    Catalogue sections;
     BuildRtosSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     ExpectSection(*sections[0], L"RT", L"KOR for RTOS",
@@ -257,7 +256,7 @@ TEST(RtosSection, WithoutAnExamplesRootTheTargetIsRelative) {
     installed.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
     Installation installation = AtTestFolder();
     installation.KorExamplesRoot = L"";
-    BuiltSections sections;
+    Catalogue sections;
     BuildRtosSection(sections, installation);
     EXPECT_STREQ((*sections[0])[1]->Path.Text(), L"KORRTOS");
 }
@@ -265,7 +264,7 @@ TEST(RtosSection, WithoutAnExamplesRootTheTargetIsRelative) {
 TEST(RtosSection, WithoutTheKeyThereIsNoSection) {
     const test::TestInstallation installed;
     installed.MakeFile(L"C:\\KorTest\\Tools\\KorConfig.exe");
-    BuiltSections sections;
+    Catalogue sections;
     BuildRtosSection(sections, AtTestFolder());
     EXPECT_EQ(sections.Count(), 0);
 }
@@ -273,7 +272,7 @@ TEST(RtosSection, WithoutTheKeyThereIsNoSection) {
 TEST(FlowForgeSection, ListsTheSingleInstallation) {
     const test::TestInstallation files;
     files.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeSection(sections, AtTestFolder());
     ASSERT_EQ(sections.Count(), 1);
     ExpectSection(
@@ -289,7 +288,7 @@ TEST(FlowForgeSection, ListsTheSingleInstallation) {
 
 TEST(FlowForgeSection, NeedsTheProgram) {
     const test::TestInstallation files;
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeSection(sections, AtTestFolder());
     EXPECT_EQ(sections.Count(), 0);
 }
@@ -315,7 +314,7 @@ TEST(FlowForgeSection, WithoutAFolderThereIsNoneWhateverTheCurrentFolderHolds) {
     const CurrentFolder current(L"C:\\KorTest");
     Installation installation = AtTestFolder();
     installation.FlowForgeInstallDir = L"";
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeSection(sections, installation);
     EXPECT_EQ(sections.Count(), 0);
     ASSERT_EQ(sections.Omissions.Count(), 1);

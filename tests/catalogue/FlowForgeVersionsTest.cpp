@@ -13,7 +13,6 @@
 
 namespace {
 
-using test::BuiltSections;
 using test::ExpectSection;
 
 enum { Program = 0, Folder = 1, Document = 2 };
@@ -48,7 +47,7 @@ void Install(const test::TestInstallation& to, const std::wstring& version, unsi
 
 // The target of the runtime manager that the pass chose: the last item of its sections.
 std::wstring ChosenManager(bool is32Bit = false) {
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, is32Bit);
     EXPECT_GT(sections.Count(), 0);
     if (sections.Count() == 0) {
@@ -64,7 +63,7 @@ std::wstring ManagerOf(const std::wstring& version) {
     return FolderOf(version) + L"/Tools/FlowForgeRuntimeManager.exe";
 }
 
-std::vector<std::wstring> TitlesOf(const SectionTable& sections) {
+std::vector<std::wstring> TitlesOf(const Catalogue& sections) {
     std::vector<std::wstring> titles;
     for (const ControlCenterSection* const section : sections) {
         titles.emplace_back(section->Title.Text());
@@ -78,7 +77,7 @@ std::vector<std::wstring> Sorted(std::vector<std::wstring> texts) {
 }
 
 // The pass over the names in this order, whatever the registry's own is.
-void BuildListed(const std::vector<std::wstring>& names, SectionTable& sections) {
+void BuildListed(const std::vector<std::wstring>& names, Catalogue& sections) {
     HOOK_IMPORT(enumerate, RegEnumKeyExW,
                 [&](HKEY, DWORD index, LPWSTR name, LPDWORD length, LPDWORD, LPWSTR, LPDWORD,
                     PFILETIME) -> LSTATUS {
@@ -97,7 +96,7 @@ TEST(FlowForgeVersions, TwoVersionsShareTheNewestManager) {
     const test::TestInstallation installed;
     Install(installed, L"2.1", Product | Manager);
     Install(installed, L"3.0", Product | Manager);
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     ASSERT_EQ(sections.Count(), 2);
     ExpectSection(
@@ -137,7 +136,7 @@ TEST(FlowForgeVersions, TheExamplesFolderIsTheVersionsOwnWhenItHasOne) {
     const test::TestInstallation installed;
     Install(installed, L"3.1", Product);
     installed.SetText(Versions64 + L"3.1", L"ExamplesPath", L"C:\\KorTest\\Examples\\");
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     ASSERT_EQ(sections.Count(), 1);
     EXPECT_STREQ((*sections[0])[1]->Path.Text(),
@@ -150,7 +149,7 @@ TEST(FlowForgeVersions, AnInstallFolderThatEndsInABackslashGetsAnotherOne) {
     const test::TestInstallation installed;
     Install(installed, L"3.1", Product);
     installed.SetText(Versions64 + L"3.1", L"InstallationPath", L"C:\\KorTest\\3.1\\");
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     ASSERT_EQ(sections.Count(), 1);
     EXPECT_STREQ((*sections[0])[0]->Path.Text(), L"C:\\KorTest\\3.1\\\\FlowForge.exe");
@@ -159,7 +158,7 @@ TEST(FlowForgeVersions, AnInstallFolderThatEndsInABackslashGetsAnotherOne) {
 TEST(FlowForgeVersions, ToolsAloneGiveASectionWithTheManagerOnly) {
     const test::TestInstallation installed;
     Install(installed, L"3.1", Tools);
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     ASSERT_EQ(sections.Count(), 1);
     ExpectSection(*sections[0], L"FLOWFORGE-3.1", L"Flow Forge 3.1",
@@ -170,7 +169,7 @@ TEST(FlowForgeVersions, AFileNamedToolsCountsLikeTheFolder) {
     const test::TestInstallation installed;
     Install(installed, L"3.1", Nothing);
     installed.MakeFile(FolderOf(L"3.1") + L"\\Tools");
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     ASSERT_EQ(sections.Count(), 1);
     EXPECT_EQ(sections[0]->Count(), 1) << "the manager only";
@@ -180,7 +179,7 @@ TEST(FlowForgeVersions, AVersionWithoutFolderOrFilesHasNoSection) {
     const test::TestInstallation installed;
     Install(installed, L"3.1", Nothing);
     installed.MakeKey(Versions64 + L"3.2");
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     EXPECT_EQ(sections.Count(), 0);
 }
@@ -255,7 +254,7 @@ TEST(FlowForgeVersions, NamesOfAnyNumberOfPiecesGetASection) {
     for (const wchar_t* const version : {L"3", L"3.1.2", L"3.01", L"2.1"}) {
         Install(installed, version, Product);
     }
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     EXPECT_EQ(Sorted(TitlesOf(sections)),
               (std::vector<std::wstring>{L"Flow Forge 2.1", L"Flow Forge 3", L"Flow Forge 3.01",
@@ -270,7 +269,7 @@ TEST(FlowForgeVersions, SectionsStandInTheRegistrysOwnOrder) {
         Install(installed, version, Product);
         titles.push_back(L"Flow Forge " + version);
     }
-    BuiltSections sections;
+    Catalogue sections;
     BuildListed(listed, sections);
     EXPECT_EQ(TitlesOf(sections), titles);
 }
@@ -281,7 +280,7 @@ TEST(FlowForgeVersions, OnlyTheName21HasTheHelpFile) {
         const test::TestInstallation installed;
         installed.SetText(Versions64 + version, L"InstallationPath", L"C:\\KorTest");
         installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
-        BuiltSections sections;
+        Catalogue sections;
         BuildFlowForgeVersionsSection(sections, false);
         ASSERT_EQ(sections.Count(), 1);
         ASSERT_EQ(sections[0]->Count(), 6);
@@ -295,7 +294,7 @@ TEST(FlowForgeVersions, TheViewsHaveNothingInCommon) {
     const test::TestInstallation installed;
     Install(installed, L"3.0", Product | Manager);
     Install(installed, L"2.0", Product | Manager, Versions32);
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, true);
     ASSERT_EQ(sections.Count(), 1);
     EXPECT_STREQ(sections[0]->Title.Text(), L"Flow Forge 2.0 (32-bit)");
@@ -307,7 +306,7 @@ TEST(FlowForgeVersions, TheViewsHaveNothingInCommon) {
 TEST(FlowForgeVersions, WithoutVersionsIn32BitsThereIsNoSection) {
     const test::TestInstallation installed;
     Install(installed, L"3.0", Product | Manager);
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, true);
     EXPECT_EQ(sections.Count(), 0);
 }
@@ -316,7 +315,7 @@ TEST(FlowForgeVersions, AVersionInBothViewsSharesKeyAndIds) {
     const test::TestInstallation installed;
     Install(installed, L"3.0", Product);
     Install(installed, L"3.0", Product, Versions32);
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     BuildFlowForgeVersionsSection(sections, true);
     ASSERT_EQ(sections.Count(), 2);
@@ -329,7 +328,7 @@ TEST(FlowForgeVersions, AValueThatIsNoTextCountsAsAnEmptyFolder) {
     const test::TestInstallation installed;
     const DWORD number = 5;
     installed.SetBytes(Versions64 + L"3.0", L"InstallationPath", REG_DWORD, &number, 4);
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     EXPECT_EQ(sections.Count(), 0);
     // The value is there, so the folder was tested; it is the root of the drive.
@@ -343,7 +342,7 @@ TEST(FlowForgeVersions, AnExamplesPathThatIsNoTextIsALoneBackslash) {
     Install(installed, L"3.1", Product);
     const DWORD number = 5;
     installed.SetBytes(Versions64 + L"3.1", L"ExamplesPath", REG_DWORD, &number, 4);
-    BuiltSections sections;
+    Catalogue sections;
     BuildFlowForgeVersionsSection(sections, false);
     ASSERT_EQ(sections.Count(), 1);
     EXPECT_STREQ((*sections[0])[1]->Path.Text(),
@@ -365,7 +364,7 @@ TEST(FlowForgeVersions, AManagersFolderThatIsNoTextIsTheRoot) {
 
 // A listed subkey that cannot be opened: the walk loses its place, and nothing that comes after it
 // is found any more.
-void BuildWhileRefused(const std::wstring& refused, SectionTable& sections) {
+void BuildWhileRefused(const std::wstring& refused, Catalogue& sections) {
     HOOK_IMPORT(open, RegOpenKeyExW,
                 [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
                     const std::wstring name = subKey;
@@ -384,7 +383,7 @@ TEST(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
     for (const wchar_t* const version : {L"1.0", L"2.0", L"3.0"}) {
         Install(installed, version, Product | Manager);
     }
-    BuiltSections without;
+    Catalogue without;
     BuildWhileRefused(L"2.0", without);
     EXPECT_EQ(without.Count(), 0)
         << "the place is lost while the manager is chosen, before any section is made";
@@ -392,7 +391,7 @@ TEST(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
     for (const Omission& omission : without.Omissions) {
         EXPECT_STREQ(omission.Reason, NotRead);
     }
-    BuiltSections with;
+    Catalogue with;
     BuildWhileRefused(L"none", with);
     EXPECT_EQ(with.Count(), 3);
 }
@@ -404,7 +403,7 @@ TEST(FlowForgeVersions, AValueOfTheListItselfIsNoRefusedVersions) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(refused)));
         Install(installed, L"", Product | Manager);
         Install(installed, refused, Product | Manager);
-        BuiltSections sections;
+        Catalogue sections;
         BuildWhileRefused(refused, sections);
         EXPECT_EQ(sections.Count(), 0) << "the key is closed and finds nothing";
         installed.DeleteKey(Versions64 + refused);
@@ -416,7 +415,7 @@ TEST(FlowForgeVersions, ARefusedSubKeyOfThreePiecesEndsTheSections) {
     for (const wchar_t* const version : {L"1.0", L"2.0.0", L"3.0"}) {
         Install(installed, version, Product | Manager);
     }
-    BuiltSections sections;
+    Catalogue sections;
     BuildWhileRefused(L"2.0.0", sections);
     ASSERT_EQ(sections.Count(), 1);
     EXPECT_STREQ(sections[0]->Key.Text(), L"FLOWFORGE-1.0");

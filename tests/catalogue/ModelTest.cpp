@@ -127,6 +127,32 @@ TEST(Catalogue, FillsTheGridLeftToRight) {
     }
 }
 
+TEST(Catalogue, FindsAnItemByItsId) {
+    Catalogue catalogue;
+    for (const wchar_t* const key : {L"A", L"A_1", L"a", L"B C"}) {
+        catalogue.Add(new ControlCenterSection(key, L"T"));
+        AddItem(*catalogue[catalogue.Count() - 1], key);
+    }
+    AddItem(*catalogue[2], L"second");
+    catalogue[0]->Add(nullptr);
+    const std::pair<const wchar_t*, const ControlCenterItem*> cases[] = {
+        {L"A_0", (*catalogue[0])[0]},
+        {L"a_0", (*catalogue[0])[0]},
+        {L"a_x", (*catalogue[0])[0]},
+        {L"A_1_0", (*catalogue[1])[0]},
+        {L"A_1", (*catalogue[2])[1]}, // the first section has none there
+        {L"A_2", nullptr},
+        {L"A_-1", nullptr},
+        {L"B-C_0", nullptr}, // the key kept its blank
+        {L"B C_0", (*catalogue[3])[0]},
+        {L"A", nullptr},
+        {L"", nullptr},
+    };
+    for (const auto& [id, item] : cases) {
+        EXPECT_EQ(catalogue.FindItem(id), item) << testing::PrintToString(std::wstring(id));
+    }
+}
+
 std::vector<std::wstring> KeysOf(const Catalogue& catalogue) {
     std::vector<std::wstring> keys;
     for (const ControlCenterSection* const section : catalogue) {

@@ -18,7 +18,7 @@ struct Note {
     PathBase Base;
 };
 
-void ExpectNotes(const SectionTable& sections, const std::vector<Note>& expected) {
+void ExpectNotes(const Catalogue& sections, const std::vector<Note>& expected) {
     ASSERT_EQ(sections.Omissions.Count(), static_cast<std::int64_t>(expected.size()));
     for (std::int64_t i = 0; i < sections.Omissions.Count(); ++i) {
         const Omission& note = sections.Omissions[i];
@@ -57,7 +57,6 @@ TEST(Omissions, OfAnEmptyInstallation) {
         {L"KOR for RTOS", L"", NoKey, RtxKey, PathBase::None},
     };
     ExpectNotes(catalogue, expected);
-    DeleteAll(catalogue);
     catalogue.Build(Installation(), false);
     ExpectNotes(catalogue, expected);
 }

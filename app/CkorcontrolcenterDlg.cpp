@@ -24,10 +24,7 @@ CkorcontrolcenterDlg::CkorcontrolcenterDlg(CWnd* pParent)
     m_workAreaWidth = std::int64_t{workArea.right} - workArea.left;
     m_workAreaHeight = std::int64_t{workArea.bottom} - workArea.top;
     m_titleLength = CKORString(Title).Length();
-    MeasureScreen();
-    QueryInstallation();
-    BuildSections();
-    ComposePage();
+    Start(ReadScreenMetrics());
 }
 
 BOOL CkorcontrolcenterDlg::OnInitDialog() {
@@ -50,9 +47,7 @@ void CkorcontrolcenterDlg::FillSectionsElement() {
     if (sections == nullptr) {
         return;
     }
-    WindowHeight = BaseHeight;
-    BuildSections();
-    ComposePage();
+    Refill();
     sections->put_innerHTML(_bstr_t(PageHtml.Text()));
     SetWindowPos(nullptr, 0, 0, static_cast<int>(WindowWidth), static_cast<int>(WindowHeight),
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOOWNERZORDER);

@@ -10,7 +10,8 @@
 
 #include "app/page/ControlCenterPage.h"
 
-// The constructor measures the screen, asks what is installed, builds the catalogue and composes
+// Is the framework's dialog and the page in one, since its window, its page and the catalogue's
+// folders, sizes and sections are members of one object to all who know it. The constructor starts
 // the page; the window comes with DoModal.
 class CkorcontrolcenterDlg : public CDHtmlDialog, public ControlCenterPage {
 public:

@@ -19,7 +19,7 @@ constexpr ItemRow<I> Items[] = {
      L"Tools/SampleGallery.exe",
      ItemProgram,
      L" /ActiveKOR",
-     {IsDirectory, &I::ActiveKorExamplesRoot, L"the examples root is no existing folder"}},
+     {IsDirectory, &I::ActiveKorExamplesRoot, L"the examples root is not an existing folder"}},
     // Opened by its association, not in the help viewer.
     {L"ActiveKOR Help file", &I::InstallDir, L"ActiveKOR/Help/ActiveKORHelp.chm", ItemDocument},
     {L"ActiveKOR directory", &I::InstallDir, L"ActiveKOR", ItemFolder},
@@ -37,7 +37,7 @@ void BuildActiveKorSection(Catalogue& catalogue, const Installation& installatio
     if (PathFileExistsW(control.Text()) != FALSE) {
         AddItems(catalogue, AddSection(catalogue, L"ACTIVEKOR", Title), Items, installation);
     } else {
-        catalogue.Omissions.Add(
-            {Title, L"", L"the control file does not exist", control, PathBase::InstallDir});
+        catalogue.Omissions.Add({Title, L"", L"the control file does not exist", Looked::AtFile,
+                                 control, &I::InstallDir});
     }
 }

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr wchar_t NotDevelopment[] = L"this is no development installation";
+constexpr wchar_t NotDevelopment[] = L"this is not a development installation";
 
 std::int64_t FindLast(const CKORString& text, wchar_t character) {
     std::int64_t position = text.Length() - 1;
@@ -29,8 +29,10 @@ void Catalogue::Build(const Installation& installation, bool isDevelopment) {
         BuildQuickStartSection(*this, installation);
         BuildFoldersSection(*this, installation);
     } else {
-        Omissions.Add({QuickStartTitle, L"", NotDevelopment, L"", PathBase::None});
-        Omissions.Add({FoldersTitle, L"", NotDevelopment, L"", PathBase::None});
+        Omissions.Add(
+            {QuickStartTitle, L"", NotDevelopment, Looked::AtInstallationType, L"", nullptr});
+        Omissions.Add(
+            {FoldersTitle, L"", NotDevelopment, Looked::AtInstallationType, L"", nullptr});
     }
     BuildGeneralToolsSection(*this, installation);
     BuildProcessingToolsSection(*this, installation);

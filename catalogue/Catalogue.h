@@ -7,12 +7,16 @@
 #include "catalogue/ControlCenterSection.h"
 #include "catalogue/Installation.h"
 
+// What was looked at before a section or an item was left out.
+enum class Looked { AtInstallationType, AtRegistryKey, AtFile, AtFolder };
+
 struct Omission {
     CKORString Title;      // of the section
     CKORString Label;      // of the item; empty when the whole section was left out
     const wchar_t* Reason; // in words; not owned
-    CKORString Tested;     // the path that was tested, empty when none was
-    PathBase Base;         // what that path begins with; None for a registry path
+    Looked Where;
+    CKORString Path; // of the registry key, the file or the folder
+    PathBase Base;   // of the file or the folder
 };
 
 // Owns its sections. The builders of the sections append to it.

@@ -42,5 +42,6 @@ public:
     ControlCenterItemType Type;
     CKORString Id;
     const ControlCenterSection* Section; // not owned
-    PathBase Base = PathBase::None;      // what Path begins with
+    PathBase Base = nullptr;             // what Path begins with
+    bool WasShown = false;               // by the last composition
 };

@@ -29,7 +29,7 @@ void BuildFlowForgeSection(Catalogue& catalogue, const Installation& installatio
     if (program.Length() > 0 && PathFileExistsW(program.Text()) != FALSE) {
         AddItems(catalogue, AddSection(catalogue, L"FLOWFORGE", Title), Items, installation);
     } else {
-        catalogue.Omissions.Add(
-            {Title, L"", L"the program does not exist", program, PathBase::FlowForgeInstallDir});
+        catalogue.Omissions.Add({Title, L"", L"the program does not exist", Looked::AtFile, program,
+                                 &I::FlowForgeInstallDir});
     }
 }

@@ -28,13 +28,6 @@ struct Version {
     CKORString RuntimeManagerPath;
 };
 
-// Found by the table's loop through the type of its argument.
-PathBase BaseOf(CKORString Version::* text) {
-    return text == &Version::InstallFolder    ? PathBase::VersionInstallFolder
-           : text == &Version::ExamplesFolder ? PathBase::VersionExamplesFolder
-                                              : PathBase::RuntimeManager;
-}
-
 bool IsVersion21(const CKORString& name) {
     return _wcsicmp(name.Text(), L"2.1") == 0;
 }
@@ -143,7 +136,7 @@ bool ReadFolders(CRegistryKey& key, Version& version) {
 
 const wchar_t* WhyWithoutFolders(const CRegistryKey& key) {
     return key.IsOpen() ? L"the version's key has no value \"InstallationPath\""
-                        : L"the version's key, or one listed beside it, may not be read";
+                        : L"the version's key, or one listed beside it, cannot be read";
 }
 
 CKORString TitleOf(const CKORString& versionName, bool is32Bit) {
@@ -154,8 +147,8 @@ void AddVersionSection(Catalogue& catalogue, const Version& version, bool is32Bi
     const CKORString title = TitleOf(version.Name, is32Bit);
     const CKORString program = version.InstallFolder + L"FlowForge.exe";
     if (!Exists(program) && !Exists(version.InstallFolder + L"/Tools")) {
-        catalogue.Omissions.Add({title, L"", L"neither the program nor a folder Tools exists",
-                                 program, PathBase::VersionInstallFolder});
+        catalogue.Omissions.Add({title, L"", L"neither FlowForge.exe nor a Tools folder exists",
+                                 Looked::AtFile, program, nullptr});
         return;
     }
     // The key does not tell the views apart, so a click on a version that both list finds the
@@ -178,8 +171,8 @@ void BuildFlowForgeVersionsSection(Catalogue& catalogue, bool is32Bit) {
     const wchar_t* const versionsKey = is32Bit ? VersionsKey32Bit : VersionsKey;
     if (!key.Open(versionsKey, false)) {
         catalogue.Omissions.Add({TitleOf(L"versions", is32Bit), L"",
-                                 L"the registry key does not exist or may not be read", versionsKey,
-                                 PathBase::None});
+                                 L"the registry key does not exist or cannot be read",
+                                 Looked::AtRegistryKey, versionsKey, nullptr});
         return;
     }
     CTable1D<CKORString> names;
@@ -194,7 +187,8 @@ void BuildFlowForgeVersionsSection(Catalogue& catalogue, bool is32Bit) {
             AddVersionSection(catalogue, version, is32Bit);
         } else {
             catalogue.Omissions.Add({TitleOf(name, is32Bit), L"", WhyWithoutFolders(key),
-                                     CKORString(versionsKey) + L"\\" + name, PathBase::None});
+                                     Looked::AtRegistryKey, CKORString(versionsKey) + L"\\" + name,
+                                     nullptr});
         }
     }
     key.CloseIfOpen();

@@ -3,18 +3,6 @@
 
 #include "base/CKORString.h"
 
-// What the path of an item begins with. The last three belong to one version of Flow Forge.
-enum class PathBase {
-    None,
-    InstallDir,
-    ActiveKorExamplesRoot,
-    KorExamplesRoot,
-    FlowForgeInstallDir,
-    VersionInstallFolder,
-    VersionExamplesFolder,
-    RuntimeManager,
-};
-
 // The texts are used as prefixes as they stand; an install folder is expected to end in a
 // backslash.
 struct Installation {
@@ -23,3 +11,7 @@ struct Installation {
     CKORString KorExamplesRoot;
     CKORString FlowForgeInstallDir;
 };
+
+// The one of the texts that a path begins with; null when it begins with none, as the paths of a
+// Flow Forge version do.
+using PathBase = CKORString Installation::*;

@@ -19,7 +19,8 @@ template <typename Bases>
 struct ItemCondition {
     bool (*Holds)(const CKORString& tested) = nullptr;
     CKORString Bases::* Tested = nullptr; // null: the item's target
-    // The reason to note when it is not made; null when another row takes its place.
+    // The reason to note when it is not made, which is always a folder's; null when another row
+    // takes its place.
     const wchar_t* Otherwise = nullptr;
 };
 
@@ -54,11 +55,13 @@ CKORString TargetOf(const ItemRow<Bases>& row, const Bases& bases) {
     return target;
 }
 
-inline PathBase BaseOf(CKORString Installation::* text) {
-    return text == &Installation::InstallDir              ? PathBase::InstallDir
-           : text == &Installation::ActiveKorExamplesRoot ? PathBase::ActiveKorExamplesRoot
-           : text == &Installation::KorExamplesRoot       ? PathBase::KorExamplesRoot
-                                                          : PathBase::FlowForgeInstallDir;
+inline PathBase PathBaseOf(PathBase base) {
+    return base;
+}
+
+template <typename Bases>
+PathBase PathBaseOf(CKORString Bases::*) {
+    return nullptr;
 }
 
 // False when the row's condition does not hold, with a note unless it is one of alternatives.
@@ -72,8 +75,8 @@ bool IsMade(Catalogue& catalogue, const ControlCenterSection& section, const Ite
     }
     if (condition.Otherwise != nullptr) {
         catalogue.Omissions.Add(
-            {section.Title, row.Label, condition.Otherwise, tested,
-             BaseOf(condition.Tested != nullptr ? condition.Tested : row.Base)});
+            {section.Title, row.Label, condition.Otherwise, Looked::AtFolder, tested,
+             PathBaseOf(condition.Tested != nullptr ? condition.Tested : row.Base)});
     }
     return false;
 }
@@ -91,7 +94,7 @@ void AddItems(Catalogue& catalogue, ControlCenterSection& section, const ItemRow
         auto* const item =
             new ControlCenterItem(&section, otherLabel ? row.LabelUnlessFile : row.Label, nothing,
                                   nothing, target, row.Type, row.Arguments);
-        item->Base = BaseOf(row.Base);
+        item->Base = PathBaseOf(row.Base);
         section.Add(item);
     }
 }

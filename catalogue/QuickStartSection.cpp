@@ -17,7 +17,7 @@ constexpr ItemRow<I> Items[] = {
      L"Tools\\SampleGallery.exe",
      ItemProgram,
      L" /KOR",
-     {IsDirectory, &I::KorExamplesRoot, L"the examples root is no existing folder"}},
+     {IsDirectory, &I::KorExamplesRoot, L"the examples root is not an existing folder"}},
     {L"KOR Help", &I::InstallDir, HelpFile, ItemHelpTopic},
     {L"KOR Release Notes", &I::InstallDir, HelpFile, ItemHelpTopic, WhatsNewTopic},
 };

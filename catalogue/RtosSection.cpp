@@ -22,8 +22,8 @@ void BuildRtosSection(Catalogue& catalogue, const Installation& installation) {
     // The key's existence alone decides.
     CRegistryKey key;
     if (!key.Open(RtxKey, false)) {
-        catalogue.Omissions.Add({Title, L"", L"the registry key does not exist or may not be read",
-                                 RtxKey, PathBase::None});
+        catalogue.Omissions.Add({Title, L"", L"the registry key does not exist or cannot be read",
+                                 Looked::AtRegistryKey, RtxKey, nullptr});
         return;
     }
     AddItems(catalogue, AddSection(catalogue, L"RT", Title), Items, installation);

@@ -11,56 +11,50 @@ namespace {
 constexpr wchar_t Registry[] = L"registry";
 
 constexpr Command Commands[] = {
-    {nullptr, L"page", L"[--document]", L"the page's HTML; as a file for any browser", 0,
-     OptionDocument, RunPage},
-    {nullptr, L"sizes", L"[--dpi N] [--json]", L"the window's and the rows' sizes", 0,
-     OptionDpi | OptionJson, RunSizes},
-    {nullptr, L"catalogue", L"[--json]", L"all sections and items; why some are not shown", 0,
-     OptionJson, RunCatalogue},
-    {nullptr, L"queries", L"[--json]", L"what the registry says about the installation", 0,
-     OptionJson, RunQueries},
-    {nullptr, L"roots", L"[--rtx] [--json]", L"the symbolic roots of registry paths", 0,
-     OptionRtx | OptionJson, RunRoots},
-    {nullptr, L"setting", L"NAME [--json]", L"TEMP, TRACEFOLDER, KOR_PATH or any variable", 1,
-     OptionJson, RunSetting},
-    {nullptr, L"report", L"[--json]", L"all of that at once, for a support ticket", 0, OptionJson,
-     RunReport},
-    {Registry, L"get", L"PATH NAME [--rtx] [--json]", L"a value's data", 2, OptionRtx | OptionJson,
-     RunRegistryGet},
-    {Registry, L"list", L"PATH [--rtx] [--json]", L"subkeys and values", 1, OptionRtx | OptionJson,
-     RunRegistryList},
-    {Registry, L"type", L"PATH NAME [--rtx]", L"a value's type", 2, OptionRtx, RunRegistryType},
-    {Registry, L"name", L"PATH [--rtx] [--create]", L"the key's real name", 1,
-     OptionRtx | OptionCreate, RunRegistryName},
-    {Registry, L"set",
-     L"PATH NAME dword|qword|string|expand|binary DATA [--rtx] [--create] [--anywhere]",
-     L"writes a value", 4, OptionRtx | OptionCreate | OptionAnywhere, RunRegistrySet},
-    {Registry, L"delete-value", L"PATH NAME [--rtx]", L"deletes it", 2, OptionRtx,
-     RunRegistryDeleteValue},
-    {Registry, L"create-key", L"PATH SUBKEY [--rtx] [--create]", L"creates a subkey", 2,
-     OptionRtx | OptionCreate, RunRegistryCreateKey},
-    {Registry, L"delete-key", L"PATH SUBKEY [--rtx]", L"deletes it with all in it", 2, OptionRtx,
+    {nullptr, L"page", L"", L"the page's HTML; as a file for any browser", OptionDocument, RunPage},
+    {nullptr, L"sizes", L"", L"the window's and the rows' sizes", OptionDpi | OptionJson, RunSizes},
+    {nullptr, L"catalogue", L"", L"all sections and items; why some are not shown", OptionJson,
+     RunCatalogue},
+    {nullptr, L"queries", L"", L"what the registry says about the installation", OptionJson,
+     RunQueries},
+    {nullptr, L"roots", L"", L"the symbolic roots of registry paths", OptionRtx | OptionJson,
+     RunRoots},
+    {nullptr, L"setting", L"NAME", L"TEMP, TRACEFOLDER, KOR_PATH or any variable", OptionJson,
+     RunSetting},
+    {nullptr, L"report", L"", L"all of that at once, for a support ticket", OptionJson, RunReport},
+    {Registry, L"get", L"PATH NAME", L"a value's data", OptionRtx | OptionJson, RunRegistryGet},
+    {Registry, L"list", L"PATH", L"subkeys and values", OptionRtx | OptionJson, RunRegistryList},
+    {Registry, L"type", L"PATH NAME", L"a value's type", OptionRtx, RunRegistryType},
+    {Registry, L"name", L"PATH", L"the key's real name", OptionRtx | OptionCreate, RunRegistryName},
+    {Registry, L"set", L"PATH NAME dword|qword|string|expand|binary DATA", L"writes a value",
+     OptionRtx | OptionCreate | OptionAnywhere, RunRegistrySet},
+    {Registry, L"delete-value", L"PATH NAME", L"deletes it", OptionRtx, RunRegistryDeleteValue},
+    {Registry, L"create-key", L"PATH SUBKEY", L"creates a subkey", OptionRtx | OptionCreate,
+     RunRegistryCreateKey},
+    {Registry, L"delete-key", L"PATH SUBKEY", L"deletes it with all in it", OptionRtx,
      RunRegistryDeleteKey},
-    {Registry, L"delete-tree", L"PATH SUBKEY [--rtx]", L"empties it", 2, OptionRtx,
-     RunRegistryDeleteTree},
-    {Registry, L"copy-values", L"SRC DST [--rtx] [--anywhere]", L"copies a key's values", 2,
-     OptionRtx | OptionAnywhere, RunRegistryCopyValues},
-    {Registry, L"copy-tree", L"SRC DST [--rtx] [--anywhere]", L"with all below it", 2,
-     OptionRtx | OptionAnywhere, RunRegistryCopyTree},
-    {Registry, L"clear-volatile", L"[--rtx]", L"empties the user's volatile data", 0, OptionRtx,
+    {Registry, L"delete-tree", L"PATH SUBKEY", L"empties it", OptionRtx, RunRegistryDeleteTree},
+    {Registry, L"copy-values", L"SRC DST", L"copies a key's values", OptionRtx | OptionAnywhere,
+     RunRegistryCopyValues},
+    {Registry, L"copy-tree", L"SRC DST", L"with all below it", OptionRtx | OptionAnywhere,
+     RunRegistryCopyTree},
+    {Registry, L"clear-volatile", L"", L"empties the user's volatile data", OptionRtx,
      RunRegistryClearVolatile},
-    {Registry, L"lock", L"PATH [--rtx] [--create] -- COMMAND...", L"runs it with the mutex held", 1,
+    {Registry, L"lock", L"PATH", L"runs it with the mutex held",
      OptionRtx | OptionCreate | OptionCommand, RunRegistryLock},
 };
 
 struct OptionWord {
     const wchar_t* word;
+    const wchar_t* value; // what follows the word
     Option option;
 };
 
+// In the order of the usage.
 constexpr OptionWord OptionWords[] = {
-    {L"--json", OptionJson},         {L"--rtx", OptionRtx},           {L"--create", OptionCreate},
-    {L"--anywhere", OptionAnywhere}, {L"--document", OptionDocument}, {L"--dpi", OptionDpi},
+    {L"--document", L"", OptionDocument}, {L"--dpi", L" N", OptionDpi},
+    {L"--rtx", L"", OptionRtx},           {L"--create", L"", OptionCreate},
+    {L"--anywhere", L"", OptionAnywhere}, {L"--json", L"", OptionJson},
 };
 
 using Words = std::vector<std::wstring>;
@@ -72,18 +66,31 @@ bool IsHelp(const std::wstring& word) {
     return word == L"--help" || word == L"-h" || word == L"/?";
 }
 
-void WriteName(Utf8Output& output, const Command& command) {
-    output.Write(L"kordiag ");
-    if (command.Group != nullptr) {
-        output.Write(command.Group, L" ");
+std::wstring NameOf(const Command& command) {
+    return command.Group != nullptr ? std::wstring(command.Group) + L" " + command.Name
+                                    : command.Name;
+}
+
+// What may follow the name, each piece behind a blank.
+std::wstring UsageOf(const Command& command, unsigned options) {
+    std::wstring usage(command.Operands[0] != L'\0' ? L" " : L"");
+    usage += command.Operands;
+    for (const OptionWord& row : OptionWords) {
+        if ((options & row.option) != 0) {
+            usage += std::wstring(L" [") + row.word + row.value + L"]";
+        }
     }
-    output.Write(command.Name);
+    return (options & OptionCommand) != 0 ? usage + L" -- COMMAND..." : usage;
+}
+
+std::size_t OperandCount(const Command& command) {
+    const std::wstring_view words(command.Operands);
+    const auto blanks = static_cast<std::size_t>(std::count(words.begin(), words.end(), L' '));
+    return words.empty() ? 0 : blanks + 1;
 }
 
 void WriteUsage(Utf8Output& output, const Command& command) {
-    output.Write(L"usage: ");
-    WriteName(output, command);
-    output.Write(L" ", command.Usage, L"\n");
+    output.Write(L"usage: kordiag ", NameOf(command), UsageOf(command, command.Options), L"\n");
 }
 
 std::wstring Padded(std::wstring text, std::size_t width) {
@@ -91,34 +98,22 @@ std::wstring Padded(std::wstring text, std::size_t width) {
     return text;
 }
 
-// What follows the name, without the options of the registry commands, which are told at the end.
-std::wstring BriefUsage(const Command& command) {
-    std::wstring usage(command.Usage);
-    if (command.Group != nullptr) {
-        for (std::size_t option = 0; (option = usage.find(L"[--")) != std::wstring::npos;) {
-            usage.erase(option, usage.find(L']', option) + 2 - option);
-        }
-    }
-    return usage;
-}
-
 void WriteHelp(Utf8Output& output) {
     constexpr std::size_t UsageWidth = 36;
     output.Write(
-        L"kordiag tells what the control center sees, and why a tool is not on its page.\n\n");
+        L"kordiag shows what the Control Center sees, and why a tool is not on its page.\n\n");
     for (const Command& command : Commands) {
-        std::wstring usage(L"  ");
-        if (command.Group != nullptr) {
-            usage.append(command.Group).append(L" ");
-        }
-        usage.append(command.Name).append(L" ").append(BriefUsage(command));
+        // The options of the registry commands are told at the end.
+        const unsigned options =
+            command.Group != nullptr ? command.Options & OptionCommand : command.Options;
+        const std::wstring usage = L"  " + NameOf(command) + UsageOf(command, options);
         output.Write(Padded(usage, UsageWidth), L" ", command.Summary, L"\n");
     }
     output.Write(
-        L"\nThe registry commands take --rtx for the RTX layout, get and list --json, those that may\n"
-        L"have to create the key --create, and writes outside the writable root --anywhere.\n"
+        L"\nRegistry commands take --rtx for the RTX layout; get and list take --json; --create creates\n"
+        L"the key of PATH, and --anywhere allows writes outside the writable root.\n"
         L"kordiag COMMAND --help shows its usage, kordiag --version the version.\n"
-        L"Exit code: 0 answered, 1 no or not there, 2 wrong usage.\n");
+        L"Exit code: 0 answered, 1 not found or failed, 2 wrong usage.\n");
 }
 
 // Returns false with a message when the words are not what the command takes.
@@ -143,14 +138,15 @@ public:
                 arguments.Operands.push_back(*word);
             }
         }
-        if (arguments.Operands.size() < m_command.OperandCount) {
-            return Refuse(L"something is missing", L"");
+        const std::size_t operandCount = OperandCount(m_command);
+        if (arguments.Operands.size() < operandCount) {
+            return Refuse(L"missing operand", L"");
         }
-        if (arguments.Operands.size() > m_command.OperandCount) {
-            return Refuse(L"this is too much: ", arguments.Operands[m_command.OperandCount]);
+        if (arguments.Operands.size() > operandCount) {
+            return Refuse(L"unexpected argument: ", arguments.Operands[operandCount]);
         }
         if ((m_command.Options & OptionCommand) != 0 && arguments.CommandLine.empty()) {
-            return Refuse(L"\"--\" and a command are missing", L"");
+            return Refuse(L"missing \"--\" and a command", L"");
         }
         return true;
     }
@@ -161,7 +157,7 @@ private:
             std::find_if(std::begin(OptionWords), std::end(OptionWords),
                          [&](const OptionWord& row) { return *word == row.word; });
         if (known == std::end(OptionWords) || (m_command.Options & known->option) == 0) {
-            return Refuse(L"unknown option ", *word);
+            return Refuse(L"unknown option: ", *word);
         }
         arguments.Options |= known->option;
         if (known->option != OptionDpi) {
@@ -186,8 +182,7 @@ private:
     }
 
     bool Refuse(const wchar_t* message, const std::wstring& word) {
-        WriteName(m_errors, m_command);
-        m_errors.Write(L": ", message, word, L"\n");
+        m_errors.Write(L"kordiag ", NameOf(m_command), L": ", message, word, L"\n");
         return false;
     }
 
@@ -234,9 +229,9 @@ ExitCode RunCommandLine(const std::vector<std::wstring>& words, Streams& streams
         if (words.size() == 2 && IsHelp(words[1]) && WriteGroup(streams.Out, words[0])) {
             return ExitCode::Answered;
         }
-        streams.Err.Write(L"kordiag: there is no command ", Quoted(std::wstring_view(words[0])),
+        streams.Err.Write(L"kordiag: unknown command: ", Printable(words[0].c_str()),
                           words.size() > 1 ? L" " : L"",
-                          words.size() > 1 ? Quoted(std::wstring_view(words[1])) : L"", L"\n");
+                          Printable(words.size() > 1 ? words[1].c_str() : L""), L"\n");
         if (!WriteGroup(streams.Err, words[0])) {
             streams.Err.Write(L"usage: kordiag COMMAND; kordiag --help lists the commands\n");
         }

@@ -40,12 +40,25 @@ struct Streams {
     Utf8Output& Err;
 };
 
+// Writes the answer to the standard output in the form that the arguments ask for: as one JSON
+// document on a line of its own, or as text. write gets a JsonWriter or the output.
+template <typename Write>
+ExitCode Answer(const Arguments& arguments, Streams& streams, Write write) {
+    if (arguments.Has(OptionJson)) {
+        JsonWriter json(streams.Out);
+        write(json);
+        streams.Out.Write(L"\n");
+    } else {
+        write(streams.Out);
+    }
+    return ExitCode::Answered;
+}
+
 struct Command {
     const wchar_t* Group; // the word before the name; null when there is none
     const wchar_t* Name;
-    const wchar_t* Usage; // what may follow the name
+    const wchar_t* Operands; // one word each
     const wchar_t* Summary;
-    std::size_t OperandCount;
     unsigned Options;
     ExitCode (*Run)(const Arguments& arguments, Streams& streams);
 };

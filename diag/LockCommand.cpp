@@ -71,8 +71,8 @@ ExitCode RunRegistryLock(const Arguments& arguments, Streams& streams) {
                  key.UnlockVolatile()
                      ? L"the program that held the lock before ended without releasing it; "
                        L"its data may be incomplete. The lock is free again."
-                     : L"the lock could not be taken: only the volatile locations of the runtime "
-                       L"and the development roots have one, and the system may refuse it");
+                     : L"the lock could not be taken: only volatile locations of the runtime and "
+                       L"development roots have one, and the system may refuse it");
         return ExitCode::No;
     }
     DWORD exitCode = 0;

@@ -47,7 +47,7 @@ bool Exists(const std::wstring& path) {
 
 CKORString Sentence(const wchar_t* kind, const std::wstring& path) {
     if (path.size() >= MAX_PATH) {
-        return CKORString::Format(L"the path is too long, with %d characters up to here: %s",
+        return CKORString::Format(L"the path is too long: %d characters up to here: %s",
                                   static_cast<int>(path.size()), path.c_str());
     }
     return CKORString(L"the ") + kind + L" " + path.c_str() + L" does not exist";
@@ -73,7 +73,7 @@ CKORString WhatIsMissingOf(const CKORString& path, bool isFolder) {
             return Sentence(isLast && !isFolder ? L"file" : L"folder", part);
         }
         if (!isLast && IsExistingFile(part.c_str())) {
-            return CKORString(L"a file is where a folder should be: ") + part.c_str();
+            return CKORString(L"this is a file, not a folder: ") + part.c_str();
         }
         end = next;
     }

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "diag/Commands.h"
-#include "diag/PageState.h"
 #include "diag/Reading.h"
 #include "res/resource.h"
 
@@ -83,14 +82,7 @@ ExitCode RunPage(const Arguments& arguments, Streams& streams) {
 
 ExitCode RunSizes(const Arguments& arguments, Streams& streams) {
     const PageState state(arguments.Dpi);
-    if (arguments.Has(OptionJson)) {
-        JsonWriter json(streams.Out);
-        WriteSizes(json, state);
-        streams.Out.Write(L"\n");
-    } else {
-        WriteSizes(streams.Out, state);
-    }
-    return ExitCode::Answered;
+    return Answer(arguments, streams, [&](auto& output) { WriteSizes(output, state); });
 }
 
 void WriteSizes(JsonWriter& json, const PageState& state) {

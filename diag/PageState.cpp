@@ -1,15 +1,8 @@
 #include "diag/PageState.h"
 
-#include "app/page/InstallationQueries.h"
-
-PageState::PageState(int dpi) : IsValid(IsValidInstallation()) {
+PageState::PageState(int dpi) {
     ScreenMetrics metrics = ReadScreenMetrics();
-    if (dpi != 0) {
-        metrics.Dpi = dpi;
-    }
+    metrics.Dpi = dpi != 0 ? dpi : metrics.Dpi;
     Dpi = metrics.Dpi;
-    static_cast<PageSizes&>(Page) = ComputePageSizes(metrics);
-    Page.QueryInstallation();
-    Page.BuildSections();
-    Page.ComposePage(RowHeights);
+    Page.Start(metrics, &RowHeights);
 }

@@ -4,11 +4,10 @@
 #include "app/page/ControlCenterPage.h"
 
 struct PageState {
-    // Builds and composes the page with the sizes of this machine; a DPI of 0 is the screen's.
+    // Starts the page with the sizes of this machine; a DPI of 0 is the screen's.
     explicit PageState(int dpi = 0);
 
     ControlCenterPage Page;
     CTable1D<std::int64_t> RowHeights;
     int Dpi;
-    bool IsValid; // otherwise the page is one message and no section is shown
 };

@@ -4,14 +4,7 @@
 #include "diag/Reading.h"
 
 ExitCode RunQueries(const Arguments& arguments, Streams& streams) {
-    if (arguments.Has(OptionJson)) {
-        JsonWriter json(streams.Out);
-        WriteQueries(json);
-        streams.Out.Write(L"\n");
-    } else {
-        WriteQueries(streams.Out);
-    }
-    return ExitCode::Answered;
+    return Answer(arguments, streams, [](auto& output) { WriteQueries(output); });
 }
 
 void WriteQueries(JsonWriter& json) {
@@ -20,12 +13,12 @@ void WriteQueries(JsonWriter& json) {
         const QueryAnswer answer = Ask(query);
         json.BeginObject();
         json.Key(L"query").Text(std::wstring_view(query.Name));
-        json.Key(L"key").Text(query.KeyName());
+        json.Key(L"key").Text(KeyName(query));
         json.Key(L"value").Text(std::wstring_view(query.Query->Value));
         json.Key(L"found").Boolean(answer.IsFound);
         json.Key(L"type").Text(std::wstring_view(answer.Type));
         json.Key(L"result");
-        if (query.Base == PathBase::None) {
+        if (query.Text == nullptr) {
             json.Boolean(answer.IsYes);
         } else {
             json.Text(answer.Text);
@@ -39,12 +32,12 @@ void WriteQueries(Utf8Output& output) {
     for (const AskedQuery& query : AskedQueries) {
         const QueryAnswer answer = Ask(query);
         output.Write(query.Name, L": ");
-        if (query.Base == PathBase::None) {
+        if (query.Text == nullptr) {
             output.Write(answer.IsYes ? L"yes" : L"no");
         } else {
             output.Write(L"\"", Printable(answer.Text), L"\"");
         }
-        output.Write(L"\n  \"", query.Query->Value, L"\" of ", query.KeyName(),
+        output.Write(L"\n  \"", query.Query->Value, L"\" of ", KeyName(query),
                      answer.IsFound ? L", type " : L": does not exist", answer.Type, L"\n");
     }
 }

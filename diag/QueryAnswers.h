@@ -4,25 +4,9 @@
 
 #include "app/page/InstallationQueries.h"
 #include "base/CKORString.h"
-#include "catalogue/Installation.h"
-#include "registry/RegValueType.h"
 
-// As users of the registry editor know the types; "unknown" for one that the library does not read.
-const wchar_t* TypeName(RegValueType type);
-
-struct AskedQuery {
-    const wchar_t* Name;
-    const InstallationQuery* Query;
-    const wchar_t* Product; // whose examples root it is; null for the other questions
-    PathBase Base;          // the text that the answer is; None for a yes or no
-
-    CKORString Key() const;     // as a registry path
-    CKORString KeyName() const; // in its real form
-};
-
-// In the order in which the launcher asks.
-constexpr int AskedQueryCount = 6;
-extern const AskedQuery AskedQueries[AskedQueryCount];
+// In its real form.
+CKORString KeyName(const AskedQuery& query);
 
 struct QueryAnswer {
     bool IsFound;        // the value exists

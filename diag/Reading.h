@@ -1,16 +1,15 @@
 // The answers of the reading commands in their two forms. The report is made of them.
 #pragma once
 
+#include "diag/CatalogueAnswer.h"
 #include "diag/JsonWriter.h"
-#include "diag/PageState.h"
 #include "diag/Utf8Output.h"
 
 void WriteSizes(JsonWriter& json, const PageState& state);
 void WriteSizes(Utf8Output& output, const PageState& state);
 
-void WriteCatalogue(JsonWriter& json, const PageState& state);
-// With the sections and items that were not made.
-void WriteCatalogue(Utf8Output& output, const PageState& state);
+void WriteCatalogue(JsonWriter& json, const CatalogueAnswer& catalogue);
+void WriteCatalogue(Utf8Output& output, const CatalogueAnswer& catalogue);
 
 void WriteQueries(JsonWriter& json);
 void WriteQueries(Utf8Output& output);

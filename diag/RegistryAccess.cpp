@@ -11,14 +11,15 @@ namespace {
 CKORString WhyNotOpened(const CKORString& path, bool create) {
     const CKORString name = ResolvedName(path, CRegistryKey::RtxMode());
     if (name.Length() == 0) {
-        return CKORString(L"the path begins with no root that there is: ") + path;
+        return CKORString(L"the path does not begin with a known root: ") + path;
     }
     if (IsRefusedAsVolatile(path, create)) {
-        return CKORString(L"refused: the path names \"volatile\" where no volatile location is: ") +
+        return CKORString(
+                   L"refused: the path contains \"volatile\" outside the volatile locations: ") +
                name;
     }
     return create ? CKORString(L"the key could not be created: ") + name
-                  : CKORString(L"the key does not exist or may not be read: ") + name;
+                  : CKORString(L"the key does not exist or cannot be read: ") + name;
 }
 
 CKORString HexDigits(const std::vector<unsigned char>& bytes) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "diag/RegistryAccess.h"
+#include "diag/ValueTypes.h"
 #include "registry/StringUtilities.h"
 
 namespace {
@@ -92,24 +93,25 @@ std::optional<std::vector<unsigned char>> ParseBytes(const std::wstring& text) {
 }
 
 std::optional<NewValue> ParseValue(const std::wstring& type, const std::wstring& data) {
-    NewValue value = {RegValueType::Unknown, 0, {}, data.c_str()};
-    if (type == L"string" || type == L"expand") {
-        value.Type = type == L"string" ? RegValueType::String : RegValueType::ExpandString;
+    NewValue value = {TypeNamed(type), 0, {}, data.c_str()};
+    switch (value.Type) {
+    case RegValueType::String:
+    case RegValueType::ExpandString:
         return value;
-    }
-    if (type == L"dword" || type == L"qword") {
-        value.Type = type == L"dword" ? RegValueType::Dword : RegValueType::Qword;
-        const std::optional<std::uint64_t> number = ParseNumber(data, type == L"dword" ? 32 : 64);
+    case RegValueType::Dword:
+    case RegValueType::Qword: {
+        const auto number = ParseNumber(data, value.Type == RegValueType::Dword ? 32 : 64);
         value.Number = number.value_or(0);
         return number ? std::optional(value) : std::nullopt;
     }
-    if (type == L"binary") {
-        value.Type = RegValueType::Binary;
+    case RegValueType::Binary: {
         const auto bytes = ParseBytes(data);
         value.Bytes = bytes.value_or(value.Bytes);
         return bytes ? std::optional(value) : std::nullopt;
     }
-    return std::nullopt;
+    default:
+        return std::nullopt;
+    }
 }
 
 bool Write(CRegistryKey& key, const CKORString& name, const NewValue& value) {
@@ -150,7 +152,7 @@ bool LeadsOut(const std::wstring& subKey) {
 ExitCode Delete(const Arguments& arguments, Streams& streams,
                 bool (CRegistryKey::*operation)(const CKORString&), const wchar_t* failed) {
     if (LeadsOut(arguments.Operands[1])) {
-        Complain(streams, L"the subkey must be the name of one, or a path below the key");
+        Complain(streams, L"SUBKEY must be a name, or a path, below the key");
         return ExitCode::WrongUsage;
     }
     return Change(arguments, streams, operation, failed);
@@ -160,7 +162,8 @@ ExitCode Delete(const Arguments& arguments, Streams& streams,
 void WarnOfRefusedCopies(const Arguments& arguments, Streams& streams) {
     const CRegistryKey destination(arguments.Operand(1), false);
     if (destination.IsOpen() && !destination.IsWritableRoot()) {
-        Complain(streams, CKORString(L"no value was copied, by ") + WritableRootRule(destination));
+        Complain(streams,
+                 CKORString(L"no value was copied because of ") + WritableRootRule(destination));
     }
 }
 
@@ -218,9 +221,11 @@ void WarnOfBranchesLeftOut(const CRegistryKey& source, const CKORString& destina
                 return true;
             }
             if (IsRefusedAsVolatile(copy, true) && !CRegistryKey(copy).IsOpen()) {
-                Complain(streams, CKORString(L"left out, since its copy would name \"volatile\" "
-                                             L"where no volatile location is: ") +
-                                      from);
+                Complain(
+                    streams,
+                    CKORString(L"left out: the copy's path would contain \"volatile\" outside the "
+                               L"volatile locations: ") +
+                        from);
             } else {
                 pending.push_back(below);
             }
@@ -248,7 +253,7 @@ ExitCode Copy(const Arguments& arguments, Streams& streams,
 ExitCode RunRegistrySet(const Arguments& arguments, Streams& streams) {
     const std::optional<NewValue> value = ParseValue(arguments.Operands[2], arguments.Operands[3]);
     if (!value) {
-        Complain(streams, L"there is no such type, or these are no data for it");
+        Complain(streams, L"unknown type, or the data does not fit the type");
         return ExitCode::WrongUsage;
     }
     SelectLayoutAndRule(arguments);

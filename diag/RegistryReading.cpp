@@ -1,6 +1,6 @@
 // kordiag registry get, list, type, name.
-#include "diag/QueryAnswers.h"
 #include "diag/RegistryAccess.h"
+#include "diag/ValueTypes.h"
 
 namespace {
 
@@ -20,8 +20,8 @@ bool HasValue(const Arguments& arguments, Streams& streams, const CRegistryKey& 
 }
 
 void ComplainOfType(const Arguments& arguments, Streams& streams) {
-    Complain(streams, CKORString(L"the value \"") + arguments.Operand(1) +
-                          L"\" has a type or a size that the library does not read");
+    Complain(streams, CKORString(L"the library cannot read the type or the size of the value \"") +
+                          arguments.Operand(1) + L"\"");
 }
 
 void WriteMember(JsonWriter& json, CRegistryKey& key, const CKORString& name) {
@@ -109,7 +109,7 @@ ExitCode RunRegistryList(const Arguments& arguments, Streams& streams) {
     const bool isComplete =
         arguments.Has(OptionJson) ? ListAsJson(streams.Out, key) : List(streams.Out, key);
     if (!isComplete) {
-        Complain(streams, L"the list is not complete: the system ended it");
+        Complain(streams, L"the list is incomplete: the system ended it");
     }
     return isComplete ? ExitCode::Answered : ExitCode::No;
 }

@@ -45,7 +45,7 @@ void WriteReport(JsonWriter& json) {
     json.Key(L"queries");
     WriteQueries(json);
     json.Key(L"catalogue");
-    WriteCatalogue(json, state);
+    WriteCatalogue(json, CatalogueAnswer(state));
     json.Key(L"sizes");
     WriteSizes(json, state);
     json.Key(L"roots");
@@ -67,7 +67,7 @@ void WriteReport(Utf8Output& output) {
                  state.Dpi, L" DPI\n\nInstallation\n\n");
     WriteQueries(output);
     output.Write(L"\nCatalogue\n\n");
-    WriteCatalogue(output, state);
+    WriteCatalogue(output, CatalogueAnswer(state));
     output.Write(L"\nSizes\n\n");
     WriteSizes(output, state);
     output.Write(L"\nRoots\n\n");
@@ -84,12 +84,5 @@ void WriteReport(Utf8Output& output) {
 } // namespace
 
 ExitCode RunReport(const Arguments& arguments, Streams& streams) {
-    if (arguments.Has(OptionJson)) {
-        JsonWriter json(streams.Out);
-        WriteReport(json);
-        streams.Out.Write(L"\n");
-    } else {
-        WriteReport(streams.Out);
-    }
-    return ExitCode::Answered;
+    return Answer(arguments, streams, [](auto& output) { WriteReport(output); });
 }

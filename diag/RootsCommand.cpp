@@ -43,14 +43,7 @@ void ForEachRoot(bool rtxLayout, Function function) {
 
 ExitCode RunRoots(const Arguments& arguments, Streams& streams) {
     const bool rtxLayout = arguments.Has(OptionRtx);
-    if (arguments.Has(OptionJson)) {
-        JsonWriter json(streams.Out);
-        WriteRoots(json, rtxLayout);
-        streams.Out.Write(L"\n");
-    } else {
-        WriteRoots(streams.Out, rtxLayout);
-    }
-    return ExitCode::Answered;
+    return Answer(arguments, streams, [&](auto& output) { WriteRoots(output, rtxLayout); });
 }
 
 void WriteRoots(JsonWriter& json, bool rtxLayout) {
@@ -78,7 +71,7 @@ void WriteRoots(Utf8Output& output, bool rtxLayout) {
     ForEachRoot(rtxLayout, [&](std::uint32_t id, const SymbolicRoot& root, const wchar_t* hive,
                                std::wstring_view subKey) {
         output.Write(std::int64_t{id}, L" ",
-                     root.name != nullptr ? root.name : L"(reached by its id only)",
+                     root.name != nullptr ? root.name : L"(no name, only an id)",
                      Exists(root, rtxLayout) ? L"" : L", does not exist", L", volatile class ",
                      std::int64_t{root.volatileClass}, L"\n  ", hive, L"\\", subKey, L"\n");
     });

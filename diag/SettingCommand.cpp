@@ -19,22 +19,17 @@ std::wstring NameOf(const SettingStep& step) {
 
 const wchar_t* OutcomeOf(const SettingStep& step) {
     if (!step.IsFound) {
-        return L": nothing";
+        return L": not set";
     }
-    return step.IsAnswer ? L": " : L": names no existing folder: ";
+    return step.IsAnswer ? L": " : L": not an existing folder: ";
 }
 
 } // namespace
 
 ExitCode RunSetting(const Arguments& arguments, Streams& streams) {
     bool isFound = false;
-    if (arguments.Has(OptionJson)) {
-        JsonWriter json(streams.Out);
-        isFound = WriteSetting(json, arguments.Operand(0));
-        streams.Out.Write(L"\n");
-    } else {
-        isFound = WriteSetting(streams.Out, arguments.Operand(0));
-    }
+    Answer(arguments, streams,
+           [&](auto& output) { isFound = WriteSetting(output, arguments.Operand(0)); });
     return isFound ? ExitCode::Answered : ExitCode::No;
 }
 

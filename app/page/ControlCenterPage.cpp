@@ -5,15 +5,24 @@
 #include "app/page/InstallationQueries.h"
 #include "app/page/PageMarkup.h"
 
-void ControlCenterPage::MeasureScreen() {
-    static_cast<PageSizes&>(*this) = ComputePageSizes(ReadScreenMetrics());
+void ControlCenterPage::Start(const ScreenMetrics& metrics, CTable1D<std::int64_t>* rowHeights) {
+    static_cast<PageSizes&>(*this) = ComputePageSizes(metrics);
+    QueryInstallation();
+    Refill(rowHeights);
+}
+
+void ControlCenterPage::Refill(CTable1D<std::int64_t>* rowHeights) {
+    WindowHeight = BaseHeight;
+    BuildSections();
+    ComposePage(rowHeights);
 }
 
 void ControlCenterPage::QueryInstallation() {
-    InstallDir = QueryInstallFolder();
-    ActiveKorExamplesRoot = QueryExamplesRoot(L"ActiveKor");
-    KorExamplesRoot = QueryExamplesRoot(L"KOR");
-    FlowForgeInstallDir = QueryFlowForgeInstallFolder();
+    for (const AskedQuery& query : AskedQueries) {
+        if (query.Text != nullptr) {
+            this->*query.Text = query.AskText();
+        }
+    }
 }
 
 void ControlCenterPage::BuildSections() {
@@ -21,14 +30,12 @@ void ControlCenterPage::BuildSections() {
     RowCount = Sections.PlaceOnGrid(ColumnCount);
 }
 
-void ControlCenterPage::ComposePage() {
-    CTable1D<std::int64_t> rowHeights;
-    ComposePage(rowHeights);
-}
-
-void ControlCenterPage::ComposePage(CTable1D<std::int64_t>& rowHeights) {
-    rowHeights.SetSize(0, false);
-    if (!IsValidInstallation()) {
+void ControlCenterPage::ComposePage(CTable1D<std::int64_t>* rowHeights) {
+    CTable1D<std::int64_t> heights;
+    CTable1D<std::int64_t>& rows = rowHeights != nullptr ? *rowHeights : heights;
+    rows.SetSize(0, false);
+    IsValid = IsValidInstallation();
+    if (!IsValid) {
         PageHtml = CKORString::Format(SectionMarkup, L"KOR", NotInstalledMessage, L"");
         return;
     }
@@ -39,12 +46,12 @@ void ControlCenterPage::ComposePage(CTable1D<std::int64_t>& rowHeights) {
     for (std::int64_t row = 0; row < RowCount; ++row) {
         // A row is composed by itself: the page would be searched for its end with each piece.
         CKORString html(RowOpening);
-        rowHeights.Add(0);
+        rows.Add(0);
         for (std::int64_t column = 0; column < ColumnCount; ++column) {
-            ComposeCell(row, column, html, rowHeights[row]);
+            ComposeCell(row, column, html, rows[row]);
         }
         PageHtml += html;
-        WindowHeight += rowHeights[row];
+        WindowHeight += rows[row];
         PageHtml += RowClosing;
     }
     // Also when no opening was written: intended.

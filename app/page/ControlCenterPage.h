@@ -9,23 +9,26 @@
 
 class ControlCenterPage : public Installation, public PageSizes {
 public:
-    // Takes the sizes from the screen.
-    void MeasureScreen();
+    // What happens once: takes the sizes that the metrics give, asks the registry for the
+    // installation's four folders, and fills the page.
+    void Start(const ScreenMetrics& metrics, CTable1D<std::int64_t>* rowHeights = nullptr);
 
-    // Asks the registry for the installation's four folders.
+    // Builds and composes everything from scratch, in a window that is as tall as it is without
+    // rows. The four folders stay those of the start.
+    void Refill(CTable1D<std::int64_t>* rowHeights = nullptr);
+
+    // The steps of these two.
     void QueryInstallation();
-
-    // Builds the catalogue from scratch and places its sections on the grid.
+    // Builds the catalogue and places its sections on the grid.
     void BuildSections();
-
     // Writes the catalogue's markup to PageHtml and adds the rows' heights to WindowHeight. An
-    // installation that is not valid gives a message instead, and no height.
-    void ComposePage();
-    // Leaves the rows' heights, too, none for an installation that is not valid.
-    void ComposePage(CTable1D<std::int64_t>& rowHeights);
+    // installation that is not valid gives a message instead, and no height. Leaves the heights in
+    // rowHeights, if there is one.
+    void ComposePage(CTable1D<std::int64_t>* rowHeights = nullptr);
 
     CKORString PageHtml;
-    Catalogue Sections; // behind the texts, so that it is destroyed before them
+    bool IsValid = false; // whether PageHtml shows the sections, not the message
+    Catalogue Sections;   // behind the texts, so that it is destroyed before them
     std::int64_t ColumnCount = 2;
     std::int64_t RowCount = 1;
 

@@ -2,7 +2,10 @@
 // it gives an empty text or false. Nothing is ever written or created.
 #pragma once
 
+#include <cstddef>
+
 #include "base/CKORString.h"
+#include "catalogue/Installation.h"
 
 // The key, as a registry path, and the value that a question reads.
 struct InstallationQuery {
@@ -39,3 +42,40 @@ bool IsDevelopmentInstallation();
 
 // Whether the registry names a library version, as text.
 bool IsValidInstallation();
+
+// A question as it is put to this installation: its answer is one of the texts that paths begin
+// with, or a yes or no.
+struct AskedQuery {
+    const wchar_t* Name; // in words
+    const InstallationQuery* Query;
+    const wchar_t* Product; // whose examples root it is; null for the other questions
+    PathBase Text;          // where the text is kept; null for a yes or no
+    CKORString (*AskText)();
+    bool (*IsYes)();
+};
+
+// In the order in which the program asks. The texts are asked for when it starts.
+inline constexpr AskedQuery AskedQueries[] = {
+    {L"install folder", &InstallFolderQuery, nullptr, &Installation::InstallDir, QueryInstallFolder,
+     nullptr},
+    {L"ActiveKor examples root", &ExamplesRootQuery, L"ActiveKor",
+     &Installation::ActiveKorExamplesRoot, [] { return QueryExamplesRoot(L"ActiveKor"); }, nullptr},
+    {L"KOR examples root", &ExamplesRootQuery, L"KOR", &Installation::KorExamplesRoot,
+     [] { return QueryExamplesRoot(L"KOR"); }, nullptr},
+    {L"Flow Forge install folder", &FlowForgeInstallFolderQuery, nullptr,
+     &Installation::FlowForgeInstallDir, QueryFlowForgeInstallFolder, nullptr},
+    {L"development installation", &DevelopmentQuery, nullptr, nullptr, nullptr,
+     IsDevelopmentInstallation},
+    {L"valid installation", &ValidInstallationQuery, nullptr, nullptr, nullptr,
+     IsValidInstallation},
+};
+
+constexpr std::size_t CountAskedTexts() {
+    std::size_t count = 0;
+    for (const AskedQuery& query : AskedQueries) {
+        count += query.Text != nullptr ? 1 : 0;
+    }
+    return count;
+}
+static_assert(sizeof(Installation) == CountAskedTexts() * sizeof(CKORString),
+              "each text of the installation has its question");

@@ -5,8 +5,9 @@
 CKORString ControlCenterSection::ComposeSectionHtml() {
     CKORString list;
     std::int64_t shown = 0;
-    for (const ControlCenterItem* const item : *this) {
-        if (item->IsShown()) {
+    for (ControlCenterItem* const item : *this) {
+        item->WasShown = item->IsShown();
+        if (item->WasShown) {
             ++shown;
             list += CKORString::Format(ItemMarkup, item->Prefix.Text(), ItemClass, item->Id.Text(),
                                        item->Label.Text(), item->Suffix.Text());

@@ -318,7 +318,7 @@ TEST(FlowForgeSection, WithoutAFolderThereIsNoneWhateverTheCurrentFolderHolds) {
     BuildFlowForgeSection(sections, installation);
     EXPECT_EQ(sections.Count(), 0);
     ASSERT_EQ(sections.Omissions.Count(), 1);
-    EXPECT_STREQ(sections.Omissions[0].Tested.Text(), L"") << "nothing was looked for";
+    EXPECT_STREQ(sections.Omissions[0].Path.Text(), L"") << "nothing was looked for";
 }
 
 } // namespace

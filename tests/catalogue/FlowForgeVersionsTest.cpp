@@ -333,8 +333,8 @@ TEST(FlowForgeVersions, AValueThatIsNoTextCountsAsAnEmptyFolder) {
     EXPECT_EQ(sections.Count(), 0);
     // The value is there, so the folder was tested; it is the root of the drive.
     ASSERT_EQ(sections.Omissions.Count(), 1);
-    EXPECT_STREQ(sections.Omissions[0].Tested.Text(), L"\\FlowForge.exe");
-    EXPECT_STREQ(sections.Omissions[0].Reason, L"neither the program nor a folder Tools exists");
+    EXPECT_STREQ(sections.Omissions[0].Path.Text(), L"\\FlowForge.exe");
+    EXPECT_STREQ(sections.Omissions[0].Reason, L"neither FlowForge.exe nor a Tools folder exists");
 }
 
 TEST(FlowForgeVersions, AnExamplesPathThatIsNoTextIsALoneBackslash) {
@@ -376,7 +376,7 @@ void BuildWhileRefused(const std::wstring& refused, Catalogue& sections) {
     BuildFlowForgeVersionsSection(sections, false);
 }
 
-constexpr wchar_t NotRead[] = L"the version's key, or one listed beside it, may not be read";
+constexpr wchar_t NotRead[] = L"the version's key, or one listed beside it, cannot be read";
 
 TEST(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
     const test::TestInstallation installed;

@@ -14,7 +14,8 @@ struct Note {
     std::wstring Title;
     std::wstring Label;
     std::wstring Reason;
-    std::wstring Tested;
+    Looked Where;
+    std::wstring Path;
     PathBase Base;
 };
 
@@ -27,13 +28,14 @@ void ExpectNotes(const Catalogue& sections, const std::vector<Note>& expected) {
         EXPECT_STREQ(note.Title.Text(), wanted.Title.c_str());
         EXPECT_STREQ(note.Label.Text(), wanted.Label.c_str());
         EXPECT_STREQ(note.Reason, wanted.Reason.c_str());
-        EXPECT_STREQ(note.Tested.Text(), wanted.Tested.c_str());
-        EXPECT_EQ(note.Base, wanted.Base);
+        EXPECT_EQ(note.Where, wanted.Where);
+        EXPECT_STREQ(note.Path.Text(), wanted.Path.c_str());
+        EXPECT_TRUE(note.Base == wanted.Base);
     }
 }
 
-constexpr wchar_t NoKey[] = L"the registry key does not exist or may not be read";
-constexpr wchar_t NoExamples[] = L"the examples root is no existing folder";
+constexpr wchar_t NoKey[] = L"the registry key does not exist or cannot be read";
+constexpr wchar_t NoExamples[] = L"the examples root is not an existing folder";
 const std::wstring FlowForgeKey = L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Flow Forge\\";
 const std::wstring FlowForgeKey32 =
     L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Vantrel\\Vantrel Flow Forge\\";
@@ -44,17 +46,21 @@ TEST(Omissions, OfAnEmptyInstallation) {
     Catalogue catalogue;
     catalogue.Build(Installation(), false);
     const std::vector<Note> expected = {
-        {L"Quick Start", L"", L"this is no development installation", L"", PathBase::None},
-        {L"Folders", L"", L"this is no development installation", L"", PathBase::None},
+        {L"Quick Start", L"", L"this is not a development installation", Looked::AtInstallationType,
+         L"", nullptr},
+        {L"Folders", L"", L"this is not a development installation", Looked::AtInstallationType,
+         L"", nullptr},
         {L"General Tools", L"Tutorials directory", L"the folder is missing or empty",
-         L"Tutorial videos", PathBase::InstallDir},
-        {L"Flow Forge versions", L"", NoKey, FlowForgeKey + L"Installed Versions", PathBase::None},
-        {L"Flow Forge versions (32-bit)", L"", NoKey, FlowForgeKey32 + L"Installed Versions",
-         PathBase::None},
-        {L"ActiveKOR", L"", L"the control file does not exist", L"ActiveKOR/Controls/kor.ocx",
-         PathBase::InstallDir},
-        {L"Flow Forge", L"", L"the program does not exist", L"", PathBase::FlowForgeInstallDir},
-        {L"KOR for RTOS", L"", NoKey, RtxKey, PathBase::None},
+         Looked::AtFolder, L"Tutorial videos", &Installation::InstallDir},
+        {L"Flow Forge versions", L"", NoKey, Looked::AtRegistryKey,
+         FlowForgeKey + L"Installed Versions", nullptr},
+        {L"Flow Forge versions (32-bit)", L"", NoKey, Looked::AtRegistryKey,
+         FlowForgeKey32 + L"Installed Versions", nullptr},
+        {L"ActiveKOR", L"", L"the control file does not exist", Looked::AtFile,
+         L"ActiveKOR/Controls/kor.ocx", &Installation::InstallDir},
+        {L"Flow Forge", L"", L"the program does not exist", Looked::AtFile, L"",
+         &Installation::FlowForgeInstallDir},
+        {L"KOR for RTOS", L"", NoKey, Looked::AtRegistryKey, RtxKey, nullptr},
     };
     ExpectNotes(catalogue, expected);
     catalogue.Build(Installation(), false);
@@ -79,17 +85,17 @@ TEST(Omissions, OfItemsWithAConditionAndOfVersions) {
     Catalogue catalogue;
     catalogue.Build(installation, true);
     // The two exclusive rows of a version's help are no omission.
-    ExpectNotes(
-        catalogue,
-        {{L"Quick Start", L"Vantrel Sample Gallery", NoExamples, L"C:\\KorTest\\Ex",
-          PathBase::KorExamplesRoot},
-         {L"General Tools", L"Tutorials directory", L"the folder is missing or empty",
-          L"C:\\KorTest\\Tutorial videos", PathBase::InstallDir},
-         {L"Flow Forge 1.0", L"", L"the version's key has no value \"InstallationPath\"",
-          FlowForgeKey + L"Installed Versions\\1.0", PathBase::None},
-         {L"Flow Forge 2.0", L"", L"neither the program nor a folder Tools exists",
-          L"C:\\KorTest\\Gone\\FlowForge.exe", PathBase::VersionInstallFolder},
-         {L"ActiveKOR", L"Sample Gallery", NoExamples, L"", PathBase::ActiveKorExamplesRoot}});
+    ExpectNotes(catalogue,
+                {{L"Quick Start", L"Vantrel Sample Gallery", NoExamples, Looked::AtFolder,
+                  L"C:\\KorTest\\Ex", &Installation::KorExamplesRoot},
+                 {L"General Tools", L"Tutorials directory", L"the folder is missing or empty",
+                  Looked::AtFolder, L"C:\\KorTest\\Tutorial videos", &Installation::InstallDir},
+                 {L"Flow Forge 1.0", L"", L"the version's key has no value \"InstallationPath\"",
+                  Looked::AtRegistryKey, FlowForgeKey + L"Installed Versions\\1.0", nullptr},
+                 {L"Flow Forge 2.0", L"", L"neither FlowForge.exe nor a Tools folder exists",
+                  Looked::AtFile, L"C:\\KorTest\\Gone\\FlowForge.exe", nullptr},
+                 {L"ActiveKOR", L"Sample Gallery", NoExamples, Looked::AtFolder, L"",
+                  &Installation::ActiveKorExamplesRoot}});
 }
 
 TEST(PathBases, SayWhatEachItemsPathBeginsWith) {
@@ -103,28 +109,14 @@ TEST(PathBases, SayWhatEachItemsPathBeginsWith) {
     installation.FlowForgeInstallDir = L"C:\\KorTest\\FF\\";
     Catalogue catalogue;
     catalogue.Build(installation, true);
-    std::vector<std::pair<std::wstring, PathBase>> bases;
-    for (const ControlCenterSection* const section : catalogue) {
-        for (const ControlCenterItem* const item : *section) {
-            bases.emplace_back(item->Id.Text(), item->Base);
-        }
-    }
-    const auto baseOf = [&](const wchar_t* id) {
-        for (const auto& [itemId, base] : bases) {
-            if (itemId == id) {
-                return base;
-            }
-        }
-        ADD_FAILURE() << "no such item: " << testing::PrintToString(std::wstring(id));
-        return PathBase::None;
-    };
-    EXPECT_EQ(baseOf(L"KOR_0"), PathBase::InstallDir);
-    EXPECT_EQ(baseOf(L"FOLDERS_1"), PathBase::KorExamplesRoot);
-    EXPECT_EQ(baseOf(L"FLOWFORGE-3.0_0"), PathBase::VersionInstallFolder);
-    EXPECT_EQ(baseOf(L"FLOWFORGE-3.0_1"), PathBase::VersionExamplesFolder);
-    EXPECT_EQ(baseOf(L"FLOWFORGE-3.0_5"), PathBase::RuntimeManager);
-    EXPECT_EQ(baseOf(L"ACTIVEKOR_2"), PathBase::ActiveKorExamplesRoot);
-    EXPECT_EQ(baseOf(L"FLOWFORGE_0"), PathBase::FlowForgeInstallDir);
+    const auto baseOf = [&](const wchar_t* id) { return catalogue.FindItem(id)->Base; };
+    EXPECT_TRUE(baseOf(L"KOR_0") == &Installation::InstallDir);
+    EXPECT_TRUE(baseOf(L"FOLDERS_1") == &Installation::KorExamplesRoot);
+    EXPECT_TRUE(baseOf(L"FLOWFORGE-3.0_0") == nullptr);
+    EXPECT_TRUE(baseOf(L"FLOWFORGE-3.0_1") == nullptr);
+    EXPECT_TRUE(baseOf(L"FLOWFORGE-3.0_5") == nullptr);
+    EXPECT_TRUE(baseOf(L"ACTIVEKOR_2") == &Installation::ActiveKorExamplesRoot);
+    EXPECT_TRUE(baseOf(L"FLOWFORGE_0") == &Installation::FlowForgeInstallDir);
 }
 
 } // namespace

@@ -27,8 +27,7 @@ TEST(MissingPath, IsTheFirstPartThatDoesNotExist) {
         {L"C:\\KorTest\\a\\x\\", false, L"the file C:\\KorTest\\a\\x does not exist"},
         {L"C:\\KorTest\\x\\y\\z.exe", false, L"the folder C:\\KorTest\\x does not exist"},
         {L"C:\\KorTest/a\\/x//y", false, L"the folder C:\\KorTest/a\\/x does not exist"},
-        {L"C:\\KorTest\\a\\file\\x", false,
-         L"a file is where a folder should be: C:\\KorTest\\a\\file"},
+        {L"C:\\KorTest\\a\\file\\x", false, L"this is a file, not a folder: C:\\KorTest\\a\\file"},
         {L"Q:\\a\\b", false, L"the drive Q:\\ does not exist"},
         {L"Q:", true, L"the drive Q: does not exist"},
         {L"\\NoSuchFolder\\x", false, L"the folder \\NoSuchFolder does not exist"},
@@ -50,7 +49,7 @@ TEST(MissingPath, SaysSoWhenThePathIsTooLong) {
     files.MakeFolder(L"C:\\KorTest\\a");
     const std::wstring path = L"C:\\KorTest\\a\\" + std::wstring(300, L'x');
     EXPECT_EQ(std::wstring(WhatIsMissingOf(path.c_str(), false).Text()),
-              L"the path is too long, with 313 characters up to here: " + path);
+              L"the path is too long: 313 characters up to here: " + path);
 }
 
 } // namespace

@@ -175,13 +175,13 @@ TEST_F(Composition, LeavesTheRowsHeightsOnRequest) {
     Add(L"C", L"Gamma", 0, 1);
     CTable1D<std::int64_t> heights;
     for (int i = 0; i < 2; ++i) {
-        m_page.ComposePage(heights);
+        m_page.ComposePage(&heights);
         ASSERT_EQ(heights.Count(), 2) << "those of this composition only";
         EXPECT_EQ(heights[0], 45 + 3 * 20);
         EXPECT_EQ(heights[1], 45);
     }
     m_installed.DeleteValue(Library, L"KorVersion");
-    m_page.ComposePage(heights);
+    m_page.ComposePage(&heights);
     EXPECT_EQ(heights.Count(), 0);
 }
 

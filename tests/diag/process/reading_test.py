@@ -34,14 +34,14 @@ class Reading(unittest.TestCase):
         return out.decode("utf-8")
 
     def items(self):
-        return {item["id"]: item for section in self.answer("catalogue") for item in section["items"]}
+        return {item["id"]: item for section in self.answer("catalogue")["sections"] for item in section["items"]}
 
 
 class WholeInstallation(Reading):
     INSTALLATION = ("development",)
 
     def test_catalogue(self):
-        sections = self.answer("catalogue")
+        sections = self.answer("catalogue")["sections"]
         self.assertEqual([(s["key"], s["title"], s["row"], s["column"], s["shown"], len(s["items"]))
                           for s in sections],
                          [("KOR", "Quick Start", 0, 0, 3, 3), ("FOLDERS", "Folders", 0, 1, 6, 6),
@@ -61,6 +61,7 @@ class WholeInstallation(Reading):
         items = [item for section in sections for item in section["items"]]
         self.assertTrue(all(item["shown"] and item["why"] == "" for item in items))
         self.assertEqual({item["type"] for item in items}, {"program", "folder", "document", "help"})
+        self.assertEqual(self.answer("catalogue")["notBuilt"], [])
         self.assertNotIn("Not built", self.text("catalogue"))
 
     def test_queries(self):
@@ -140,8 +141,8 @@ class WholeInstallation(Reading):
         code, missing = self.prefix.json("setting", "KOR_PATH")
         self.assertEqual((code, missing), (1, {"name": "KOR_PATH", "found": False, "value": "", "source": ""}))
         code, out, _ = self.prefix.run("setting", "KOR_PATH")
-        self.assertEqual((code, out), (1, b"KOR_PATH is not set\n  environment KOR_PATH64: nothing\n"
-                                          b"  environment KOR_PATH: nothing\n"))
+        self.assertEqual((code, out), (1, b"KOR_PATH is not set\n  environment KOR_PATH64: not set\n"
+                                          b"  environment KOR_PATH: not set\n"))
 
     def test_debug_settings(self):
         debug = r"\Software\Vantrel\Vantrel Imaging Library\Runtime\Settings\Debug]"
@@ -155,7 +156,7 @@ class WholeInstallation(Reading):
         self.prefix.import_registry(f'[HKEY_CURRENT_USER{debug}\n"TempFolder"="C:\\\\gone"\n')
         self.assertEqual(self.answer("setting", "TEMP")["source"], "environment TEMP")
         text = self.text("setting", "TEMP")
-        self.assertIn("\n  debug-user TempFolder: names no existing folder: C:\\gone\n  environment TEMP: ", text)
+        self.assertIn("\n  debug-user TempFolder: not an existing folder: C:\\gone\n  environment TEMP: ", text)
         self.assertNotIn("debug-machine", text)
 
     def test_report_has_the_answers_of_all(self):
@@ -201,8 +202,10 @@ class RuntimeInstallation(Reading):
     INSTALLATION = ("runtime",)
 
     def test_what_was_not_built(self):
+        catalogue = self.answer("catalogue")
+        self.assertEqual(list(catalogue), ["sections", "notBuilt"])
         not_built = self.text("catalogue").split("Not built:\n")[1]
-        reason = (f'this is no development installation: the value "KORType" of {LIBRARY} is "Runtime"')
+        reason = (f'this is not a development installation: the value "KORType" of {LIBRARY} is "Runtime"')
         library = r"C:\Program Files\Vantrel Imaging"
         flow_forge = r"HKEY_LOCAL_MACHINE\SOFTWARE\{}Vantrel\Vantrel Flow Forge\{}"
         self.assertEqual(not_built.replace("\n           why: ", " | ").splitlines(), [
@@ -210,14 +213,17 @@ class RuntimeInstallation(Reading):
             f"  Folders | {reason}",
             f'  General Tools, item "Tutorials directory" | the folder is missing or empty: '
             rf"{library}\Tutorial videos",
-            "  Flow Forge versions | the registry key does not exist or may not be read: " +
+            "  Flow Forge versions | the registry key does not exist or cannot be read: " +
             flow_forge.format("", "Installed Versions"),
-            "  Flow Forge versions (32-bit) | the registry key does not exist or may not be read: " +
+            "  Flow Forge versions (32-bit) | the registry key does not exist or cannot be read: " +
             flow_forge.format("Wow6432Node\\", "Installed Versions"),
             rf"  ActiveKOR | the control file does not exist: the folder {library}\ActiveKOR does not exist",
             "  Flow Forge | the program does not exist: the Flow Forge install folder is empty: the value "
             f'"InstallationPath" of {flow_forge.format("", "Install")} does not exist',
-            rf"  KOR for RTOS | the registry key does not exist or may not be read: {LIBRARY}\RTX"])
+            rf"  KOR for RTOS | the registry key does not exist or cannot be read: {LIBRARY}\RTX"])
+        self.assertEqual(not_built, "".join(
+            "  " + note["section"] + (f', item "{note["item"]}"' if note["item"] else "") +
+            f"\n           why: {note['why']}\n" for note in catalogue["notBuilt"]))
 
     def test_an_install_folder_without_its_backslash(self):
         key = f"[{RUNTIME}\\install]\n"
@@ -247,7 +253,7 @@ class DamagedInstallation(Reading):
             "TOOLS_3": f"the file {self.FOLDER}Tools\\GrabStudio.exe does not exist",
             version + "_0": "",
             version + "_1": "the folder C:\\Flow 'Forge' 視覚\\/Example HMI does not exist",
-            version + "_2": "a file is where a folder should be: C:\\Flow 'Forge' 視覚\\Documentation",
+            version + "_2": "this is a file, not a folder: C:\\Flow 'Forge' 視覚\\Documentation",
             version + "_3": "",
             version + "_4": "",
             version + "_5": "",
@@ -275,12 +281,12 @@ class DamagedInstallation(Reading):
     def test_the_sections_of_a_page_that_shows_only_the_message(self):
         self.prefix.import_registry(f'[{LIBRARY}]\n"KorVersion"=dword:0000000a\n')
         self.addCleanup(self.prefix.import_registry, f'[{LIBRARY}]\n"KorVersion"=""\n')
-        invalid = f'this is no valid installation: the value "KorVersion" of {LIBRARY} is no text'
+        invalid = f'this is not a valid installation: the value "KorVersion" of {LIBRARY} is not a text'
         items = self.items()
         self.assertEqual((items["TOOLS_0"]["shown"], items["TOOLS_0"]["why"]), (False, invalid))
         self.assertEqual(items["TOOLS_1"]["why"],
                          f"{invalid}; the folder {self.FOLDER}Framewright does not exist")
-        self.assertEqual({section["shown"] for section in self.answer("catalogue")}, {0})
+        self.assertEqual({section["shown"] for section in self.answer("catalogue")["sections"]}, {0})
         self.assertEqual(self.text("page"), NOT_INSTALLED)
 
 
@@ -298,7 +304,7 @@ class EmptyInstallation(Reading):
         items = self.items()
         self.assertEqual(len(items), 13)
         self.assertEqual({item["why"] for item in items.values()}, {
-            f'this is no valid installation: the value "KorVersion" of {LIBRARY} does not exist; the install '
+            f'this is not a valid installation: the value "KorVersion" of {LIBRARY} does not exist; the install '
             f'folder is empty: the value "installdir" of {RUNTIME}\\install does not exist'})
 
     def test_roots_do_not_exist(self):
@@ -312,7 +318,7 @@ class EmptyInstallation(Reading):
             f'[{key}\\Vantrel Flow Forge\\Installed Versions\\a\ud800"b]\n"InstallationPath"="C:\\\\windows"\n\n'
             f'[{RUNTIME}\\install]\n"installdir"=hex(1):22,00,0a,00,00,d8,41,00,00,00,42,00,00,00\n')
         (self.prefix.path / "drive_c/windows/FlowForge.exe").write_bytes(b"")
-        sections = self.answer("catalogue")
+        sections = self.answer("catalogue")["sections"]
         self.assertEqual(sections[2]["title"], 'Flow Forge a\ud800"b')
         self.assertEqual(self.answer("queries")[0]["result"], '"\n\ud800A')
         _, out, _ = self.prefix.run("catalogue", "--json")

@@ -96,14 +96,14 @@ class Reading(RegistryCommands):
         self.assertEqual((code, list(answer.items())),
                          (0, [("key", USER), ("name", "s"), ("type", "string"), ("data", ODD)]))
         self.refuse(f'the value "x" of {USER} does not exist', "get", USER, "x")
-        self.refuse('the value "u" has a type or a size that the library does not read', "get", USER, "u")
-        self.refuse('the value "short" has a type or a size that the library does not read', "get", USER, "short")
+        self.refuse('the library cannot read the type or the size of the value "u"', "get", USER, "u")
+        self.refuse('the library cannot read the type or the size of the value "short"', "get", USER, "short")
 
     def test_type_and_name(self):
         self.fill()
         for name, kind in (("d", "dword"), ("q", "qword"), ("m", "multi"), ("e", "expand"), ("short", "dword")):
             self.assertEqual(self.succeed("type", USER, name), kind + "\n")
-        self.refuse('the value "u" has a type or a size that the library does not read', "type", USER, "u")
+        self.refuse('the library cannot read the type or the size of the value "u"', "type", USER, "u")
         self.assertEqual(self.succeed("name", "M_KOR_HKEY_LOCAL_MACHINE_ROOT", "--create"),
                          r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Imaging Library" + "\n")
         self.assertEqual(self.succeed("name", USER_RUNTIME + "\\a", "--rtx", "--create"),
@@ -111,16 +111,16 @@ class Reading(RegistryCommands):
                          r"\Vantrel Imaging Library\Runtime\a" + "\n")
 
     def test_keys_that_cannot_be_opened(self):
-        self.refuse(f"the key does not exist or may not be read: {USER}\\x", "list", USER + "\\x")
-        self.refuse(r"the path begins with no root that there is: HKCU\x", "list", r"HKCU\x")
-        self.refuse('refused: the path names "volatile" where no volatile location is: HKEY_CURRENT_USER'
+        self.refuse(f"the key does not exist or cannot be read: {USER}\\x", "list", USER + "\\x")
+        self.refuse(r"the path does not begin with a known root: HKCU\x", "list", r"HKCU\x")
+        self.refuse('refused: the path contains "volatile" outside the volatile locations: HKEY_CURRENT_USER'
                     r"\Software\Vantrel\Vantrel Imaging Library\Runtime\a\volatile",
                     "list", USER_RUNTIME + r"\a\volatile")
         self.assertEqual(self.list(USER)["subkeys"], [], "nothing was created")
 
     def test_wrong_usage(self):
         code, out, err = self.kordiag("get", USER)
-        self.assertEqual((code, out, err), (2, "", "kordiag registry get: something is missing\n"
+        self.assertEqual((code, out, err), (2, "", "kordiag registry get: missing operand\n"
                                                    "usage: kordiag registry get PATH NAME [--rtx] [--json]\n"))
         code, out, err = self.kordiag()
         self.assertEqual((code, out), (2, ""))
@@ -148,7 +148,7 @@ class Changes(RegistryCommands):
         self.assertEqual(self.values(USER), {"--name": ("string", "--data")})
 
     def test_set_refuses_wrong_data(self):
-        usage = ("kordiag: there is no such type, or these are no data for it\nusage: kordiag registry set PATH NAME "
+        usage = ("kordiag: unknown type, or the data does not fit the type\nusage: kordiag registry set PATH NAME "
                  "dword|qword|string|expand|binary DATA [--rtx] [--create] [--anywhere]\n")
         for kind, data in (("dword", "4294967296"), ("dword", "-2147483649"), ("dword", ""), ("dword", "-"),
                            ("dword", "0x"), ("dword", "1x"), ("dword", " 1"), ("dword", "--1"),
@@ -173,7 +173,7 @@ class Changes(RegistryCommands):
 
     def test_create(self):
         path = USER + r"\new\key"
-        self.refuse(f"the key does not exist or may not be read: {path}", "set", path, "n", "dword", "1")
+        self.refuse(f"the key does not exist or cannot be read: {path}", "set", path, "n", "dword", "1")
         self.succeed("set", path, "n", "dword", "1", "--create")
         self.assertEqual(self.values(path), {"n": ("dword", 1)})
 
@@ -201,7 +201,7 @@ class Changes(RegistryCommands):
         self.succeed("set", USER + r"\a\b", "n", "dword", "1", "--create")
         self.succeed("create-key", USER, "keep")
         for command in ("delete-key", "delete-tree"):
-            refusal = ("kordiag: the subkey must be the name of one, or a path below the key\n"
+            refusal = ("kordiag: SUBKEY must be a name, or a path, below the key\n"
                        f"usage: kordiag registry {command} PATH SUBKEY [--rtx]\n")
             for path in ("..", r"..\keep", r"b\..", r"b\..\..", "\\", r"\Software", ""):
                 with self.subTest(command, path=path):
@@ -243,7 +243,7 @@ class Changes(RegistryCommands):
             "".join(f'[{USER}\\src{branch}]\n"n"=dword:1\n\n' for branch in
                     (r"\a", r"\My Volatile data\below", r"\b\nonvolatile", r"\b\c", r"\in\volatile")) +
             f"[{USER}\\src\\in]\n")
-        note = 'kordiag: left out, since its copy would name "volatile" where no volatile location is: {}\n'
+        note = 'kordiag: left out: the copy\'s path would contain "volatile" outside the volatile locations: {}\n'
         both = note.format(USER + r"\src\My Volatile data") + note.format(USER + r"\src\b\nonvolatile")
         for destination in (USER + "\\dst", USER + "\\dst\\", USER + r"\src\in"):
             with self.subTest(destination):
@@ -263,7 +263,7 @@ class Changes(RegistryCommands):
 
     def test_copies_that_the_rule_refuses(self):
         self.prefix.import_registry(f'[{USER}\\src]\n"d"=dword:1\n')
-        note = ("kordiag: no value was copied, by the writable-root rule: values are written only below "
+        note = ("kordiag: no value was copied because of the writable-root rule: values are written only below "
                 f"HKEY_CURRENT_USER unless --anywhere is given; this is {MACHINE}\\dst\n")
         for command in ("copy-values", "copy-tree"):
             self.assertEqual(self.kordiag(command, USER + "\\src", MACHINE + "\\dst"), (0, "", note))
@@ -357,7 +357,7 @@ class Locks(RegistryCommands):
         self.assertEqual(self.lock("cmd", "/c", "echo third").communicate(timeout=60)[0], b"third\r\n")
 
     def test_refusals(self):
-        no_lock = ("the lock could not be taken: only the volatile locations of the runtime and the development "
+        no_lock = ("the lock could not be taken: only volatile locations of the runtime and development "
                    "roots have one, and the system may refuse it")
         self.refuse(no_lock, "lock", USER, "--", "cmd", "/c", "echo x")
         self.refuse(no_lock, "lock", r"M_KOR_HKEY_LOCAL_MACHINE_IMAGING_BOARD\volatile\x", "--create", "--", "cmd")

@@ -8,12 +8,20 @@ add_subdirectory(${KOR_GOOGLETEST_DIR} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FR
 set(CMAKE_CROSSCOMPILING_EMULATOR
     ${PROJECT_SOURCE_DIR}/wine/on-one-processor.sh ${PROJECT_SOURCE_DIR}/wine/in-prefix.py)
 
-# kor_test(NAME SOURCES... [LINK LIBS...]): the test program NAME, one CTest entry.
+# kor_test(NAME SOURCES... [LINK LIBS...] [LONG PATTERN]): the test program NAME, one CTest entry; the
+# tests that match PATTERN are an entry of their own, NAME.long, which a quick run leaves out.
 function(kor_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "" "LONG" "SOURCES;LINK" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE ${ARG_LINK} test_support kor_options)
     kor_precompile(${name} test_support)
-    add_test(NAME ${name} COMMAND ${name})
+    if(ARG_LONG)
+        add_test(NAME ${name} COMMAND ${name} --gtest_filter=-${ARG_LONG})
+        add_test(NAME ${name}.long COMMAND ${name} --gtest_filter=${ARG_LONG})
+        set_tests_properties(${name}.long PROPERTIES TIMEOUT 300 LABELS long COST 100
+            FAIL_REGULAR_EXPRESSION "Running 0 tests")
+    else()
+        add_test(NAME ${name} COMMAND ${name})
+    endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT 300)
 endfunction()

@@ -23,7 +23,8 @@ target_link_options(kor_options INTERFACE
 add_library(kor_product_options INTERFACE)
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
     target_compile_options(kor_product_options INTERFACE
-        $<$<COMPILE_LANGUAGE:CXX>:-fstack-protector-strong -D_FORTIFY_SOURCE=2>)
+        # The names and lines for support; they are not linked into the programs.
+        $<$<COMPILE_LANGUAGE:CXX>:-g1 -fstack-protector-strong -D_FORTIFY_SOURCE=2>)
     # Without it at the link too, the stack protector's own library is missing.
     target_link_options(kor_options INTERFACE -s -fstack-protector-strong)
 else()

@@ -7,6 +7,12 @@ kor_run_packages=(
 )
 kor_package_packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build python3
+    wixl msitools
+)
+# What the long tests need besides.
+kor_long_test_packages=(
+    "${kor_package_packages[@]}"
+    osslsigncode openssl
 )
 kor_test_packages=(
     "${kor_run_packages[@]}"

@@ -8,10 +8,11 @@ class Program:
         self.data = Path(path).read_bytes()
         header = self.number(0x3C)
         assert self.data[header:header + 4] == b"PE\0\0", path
-        self.machine, sections, _, self.symbol_table, _, optional_size, _ = struct.unpack_from(
+        self.machine, sections, _, symbol_table, self.symbols, optional_size, _ = struct.unpack_from(
             "<HHIIIHH", self.data, header + 4)
         optional = header + 24
         assert self.number(optional, "<H") == 0x20B, "not a 64-bit program"
+        self.entry = self.number(optional + 16)
         self.timestamp = self.number(header + 8)
         self.os_version = struct.unpack_from("<HH", self.data, optional + 40)
         self.subsystem_version = struct.unpack_from("<HH", self.data, optional + 48)
@@ -22,7 +23,12 @@ class Program:
         for i in range(sections):
             at = optional + optional_size + 40 * i
             name, size, address, raw_size, raw = struct.unpack_from("<8sIIII", self.data, at)
-            self.sections.append((name.rstrip(b"\0").decode(), address, max(size, raw_size), raw))
+            name = name.rstrip(b"\0").decode()
+            if name.startswith("/"):
+                # A long name stands behind the symbols.
+                start = symbol_table + 18 * self.symbols + int(name[1:])
+                name = self.data[start:self.data.index(b"\0", start)].decode()
+            self.sections.append((name, address, max(size, raw_size), raw))
 
     def number(self, at, form="<I"):
         return struct.unpack_from(form, self.data, at)[0]

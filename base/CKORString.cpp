@@ -43,9 +43,6 @@ CKORString::CKORString(const wchar_t* text, bool transform) {
 CKORString::CKORString(const CKORString& other) : CTable1D<wchar_t>() {
     GrowBy = StringGrowBy;
     InitialGrowBy = StringGrowBy;
-    if (other.m_count == 0) {
-        return;
-    }
     CKORString::SetSize((other.m_count + 31) & ~std::int64_t{31}, false);
     m_count = other.m_count;
     // All places: behind a null within the text nothing would be copied by a text copy, and the

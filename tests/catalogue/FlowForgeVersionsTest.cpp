@@ -218,6 +218,7 @@ TEST(FlowForgeVersions, TheNewestVersionWithAManagerProvidesIt) {
          {{L"3", Product | Manager}, {L"3.1.2", Product | Manager}},
          L""},
         {"0.0 is not newer than nothing", {{L"0.0", Product | Manager}}, L""},
+        {"0.1 is newer than nothing", {{L"0.1", Product | Manager}}, L"0.1"},
         {"no digits count as 0", {{L"a.b", Product | Manager}}, L""},
         {"leading digits count",
          {{L"4x.1y", Product | Manager}, {L"3.9", Product | Manager}},

@@ -13,6 +13,8 @@ OTHER = {
 }
 NAMES = {"<": "comparison", "<=": "comparison", ">": "comparison", ">=": "comparison",
          "==": "comparison", "!=": "comparison", "&&": "logic", "||": "logic"}
+# Their answer is the same whichever argument comes first.
+SYMMETRIC = ("EqualIgnoringCase", "min", "max")
 OPERATORS = (CursorKind.BINARY_OPERATOR, CursorKind.COMPOUND_ASSIGNMENT_OPERATOR)
 
 
@@ -110,7 +112,8 @@ def swapped(first, second, text, operator):
 
 
 def swapped_arguments(cursor, text):
-    if cursor.kind != CursorKind.CALL_EXPR or is_call(cursor, "operator"):
+    if (cursor.kind != CursorKind.CALL_EXPR or is_call(cursor, "operator")
+            or cursor.spelling in SYMMETRIC):
         return
     arguments = list(cursor.get_arguments())
     types = parameter_types(cursor, arguments)

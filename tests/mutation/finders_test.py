@@ -61,6 +61,8 @@ class Found(unittest.TestCase):
         self.assertEqual(self.faults("bool f(int a, int b) { return Ask(a, b); }", "arguments"),
                          ["bool f(int a, int b) { return Ask(b, a); }"])
         self.assertEqual(self.faults("bool f(int a) { return Ask(a); }", "arguments"), [])
+        self.assertEqual(self.faults("int min(int, int); int f(int a) { return min(a, 1); }",
+                                     "arguments"), [])
 
     def test_neighbours_in_a_list_are_swapped(self):
         self.assertEqual(self.faults("int f[] = {1, 2, 3};", "entries"),

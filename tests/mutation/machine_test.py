@@ -91,13 +91,6 @@ class Running(InAFolder):
         self.assertEqual((result, output), (None, ""))
         self.assertLess(time.monotonic() - started, 60)
 
-    def test_a_command_that_only_computes_is_ended(self):
-        started = time.monotonic()
-        result, _ = Processes(processors()[0]).run(["sh", "-c", "while :; do :; done"], self.root,
-                                                   computing=1)
-        self.assertNotEqual(result, 0)
-        self.assertLess(time.monotonic() - started, 60)
-
 
 class TryingFaults(InAFolder):
     """With a build of its own: the program is a copy of its source."""
@@ -118,6 +111,16 @@ class TryingFaults(InAFolder):
         (folder / "CTestTestfile.cmake").write_text(
             f'add_test(one "/usr/bin/grep" "one" "{self.program}")\n')
         self.build.prepare({})
+
+    def try_with_script(self, lines):
+        """What becomes of a fault that only this test may notice, and how the test was called."""
+        script, calls = self.root / "script", self.root / "calls"
+        script.write_text(f"echo $2 >>{calls}\nrun=$(wc -l <{calls})\n{lines}\n")
+        self.build.tests.append(Test({"name": "script", "command": [
+            "/bin/sh", str(script), str(self.program)]}))
+        self.build.tests[-1].seconds = 0.1
+        result = self.build.try_fault(Fault("base/a.cpp", 1, 4, 7, "", "text", ""))
+        return result, calls.read_text().splitlines()
 
     def assert_as_before(self):
         self.assertEqual(self.source.read_text(), "one two\n")
@@ -140,6 +143,21 @@ class TryingFaults(InAFolder):
         verdict, _ = self.build.try_fault(Fault("base/a.cpp", 1, 0, 3, "broken", "text", ""))
         self.assertEqual(verdict, "not viable")
         self.assert_as_before()
+
+    def test_a_failure_that_does_not_come_again_is_none(self):
+        self.assertEqual(self.try_with_script("test $run -gt 1"), (("survived", ""), ["", ""]))
+
+    def test_a_failure_that_comes_again_is_one(self):
+        self.assertEqual(self.try_with_script("exit 3"),
+                         (("killed", "script (exit code 3)"), ["", ""]))
+
+    def test_only_the_case_that_failed_is_run_again(self):
+        self.assertEqual(self.try_with_script("echo '[  FAILED  ] A.B'; false"),
+                         (("killed", "script A.B"), ["", "--gtest_filter=A.B"]))
+
+    def test_a_case_that_passes_alone_may_need_those_before_it(self):
+        self.assertEqual(self.try_with_script("echo '[  FAILED  ] A.B'; test -n \"$2\""),
+                         (("killed", "script A.B"), ["", "--gtest_filter=A.B", ""]))
 
     def test_a_test_that_starts_another_program_is_not_run(self):
         (self.root / "base/b.cpp").write_text("b")

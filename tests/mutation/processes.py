@@ -18,13 +18,11 @@ class Processes:
         self.running = None
         self.stopped = threading.Event()
 
-    def run(self, command, folder, environment=None, seconds=None, computing=None):
-        """Exit code and output; None for the exit code when it took more seconds. A process that
-        computes for more seconds than it may is ended by the system."""
+    def run(self, command, folder, environment=None, seconds=None):
+        """Exit code and output; None for the exit code when it took more seconds."""
         if self.stopped.is_set():
             raise Stopped
-        limit = ["prlimit", f"--cpu={computing}"] if computing else []
-        bound = ["taskset", "-c", str(self.processor), *limit, *map(str, command)]
+        bound = ["taskset", "-c", str(self.processor), *map(str, command)]
         with subprocess.Popen(
                 bound, cwd=folder, env={**os.environ, **(environment or {})},
                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,

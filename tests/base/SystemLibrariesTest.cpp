@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/ImportHook.h"
@@ -46,17 +47,19 @@ TEST(SystemLibraries, ComeFromTheSystemsFolder) {
 }
 
 TEST(SystemLibraries, ComeByTheirPathWhereTheSystemDoesNotKnowTheFlag) {
-    std::vector<std::wstring> asked;
+    std::vector<std::pair<std::wstring, DWORD>> asked;
     HOOK_IMPORT(load, LoadLibraryExW, [&](LPCWSTR name, HANDLE, DWORD flags) -> HMODULE {
-        asked.emplace_back(name);
+        asked.emplace_back(name, flags);
         SetLastError(ERROR_INVALID_PARAMETER);
         return (flags & 0x800U) != 0 ? nullptr : Found;
     });
     EXPECT_EQ(LoadSystemLibrary(L"some.dll"), Found);
     wchar_t folder[MAX_PATH];
     GetSystemDirectoryW(folder, MAX_PATH);
-    EXPECT_EQ(asked,
-              (std::vector<std::wstring>{L"some.dll", std::wstring(folder) + L"\\some.dll"}));
+    EXPECT_EQ(asked, (std::vector<std::pair<std::wstring, DWORD>>{
+                         {L"some.dll", 0x800U},
+                         // What the library needs itself comes from its folder, too.
+                         {std::wstring(folder) + L"\\some.dll", 0x8U}}));
 }
 
 TEST(SystemLibraries, AreNotLookedForWithoutTheSystemsFolder) {

@@ -1,6 +1,7 @@
 // The stamp with the first value's name, which is due from the stamping until a value is written:
 // what it survives, what drops it, and what refused calls make of it.
 #include <climits>
+#include <utility>
 
 #include "tests/registry/RawRegistry.h"
 #include "tests/registry/RegistryCalls.h"
@@ -98,13 +99,19 @@ TEST_F(DueStamp, AnotherRootOfTheClassKeepsIt) {
 }
 
 TEST_F(DueStamp, AnotherClassDropsIt) {
-    CRegistryKey key;
-    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", true));
-    ASSERT_TRUE(key.Open(L"HKEY_CURRENT_USER\\Software\\KORTests", true));
-    EXPECT_TRUE(key.WriteDword(L"elsewhere", 1U));
-    ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile\\x", false));
-    EXPECT_TRUE(key.WriteDword(L"late", 1U));
-    EXPECT_FALSE(Stamp(HKEY_CURRENT_USER, VolatileKey));
+    const std::pair<SymbolicRootId, HKEY> roots[] = {
+        {SymbolicRootId::LocalMachineRuntime, HKEY_LOCAL_MACHINE},
+        {SymbolicRootId::CurrentUserRuntime, HKEY_CURRENT_USER},
+    };
+    for (const auto& [id, hive] : roots) {
+        CRegistryKey key;
+        ASSERT_TRUE(key.OpenSymbolic(id, L"volatile\\x", true));
+        ASSERT_TRUE(key.Open(L"HKEY_CURRENT_USER\\Software\\KORTests", true));
+        EXPECT_TRUE(key.WriteDword(L"elsewhere", 1U));
+        ASSERT_TRUE(key.OpenSymbolic(id, L"volatile\\x", false));
+        EXPECT_TRUE(key.WriteDword(L"late", 1U));
+        EXPECT_FALSE(Stamp(hive, VolatileKey));
+    }
 }
 
 // Also a location of another class; the companion stays, and can still receive stamps.

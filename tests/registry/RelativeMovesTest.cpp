@@ -98,6 +98,16 @@ TEST_F(RelativeMoves, UpwardsFromTheRootFails) {
     EXPECT_EQ(key.GetFullName(), L"HKEY_LOCAL_MACHINE\\Software");
 }
 
+TEST_F(RelativeMoves, LeadFromAKeyWithANameOfOneCharacter) {
+    test::MakeKey(HKEY_CURRENT_USER, L"k\\c");
+    {
+        CRegistryKey key(L"HKEY_CURRENT_USER\\k");
+        EXPECT_TRUE(key.OpenRelative(L"c"));
+        EXPECT_EQ(key.GetFullName(), L"HKEY_CURRENT_USER\\k\\c");
+    }
+    test::DeleteKey(HKEY_CURRENT_USER, L"k");
+}
+
 TEST_F(RelativeMoves, AResetKeyGoesNowhere) {
     CRegistryKey key;
     EXPECT_FALSE(key.OpenRelative(L"Software"));

@@ -311,7 +311,10 @@ class Runs(InAFolder):
                       Judge({"x": "survived", "y": "killed"}))
         moved = {"base/a.cpp": "// New.\nabc\n"}
         now = [fault(line=2, start=9, new="x"), fault(line=2, start=10, new="y")]
-        self.assertEqual(survivors(moved, now, self.root), now[:1])
+        listed = self.root / "list"
+        self.assertEqual(survivors(moved, now, self.root, Equivalents(listed)), now[:1])
+        listed.write_text(json.dumps([{**as_entry(now[0], moved["base/a.cpp"]), "reason": "why"}]))
+        self.assertEqual(survivors(moved, now, self.root, Equivalents(listed)), [])
 
 
 if __name__ == "__main__":

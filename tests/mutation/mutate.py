@@ -69,14 +69,16 @@ class Run:
             self.failure = error
 
 
-def survivors(texts, faults, place):
-    """Those of the faults that survived when they were last tried, wherever they stand now."""
+def survivors(texts, faults, place, equivalents):
+    """Those of the faults that survived when they were last tried, wherever they stand now, and that
+    a test could notice."""
     verdicts = {}
     for file in sorted(place.glob("results-*.jsonl"), key=lambda file: file.stat().st_mtime):
         for result in Record(file).results.values():
             verdicts[result.place] = result.verdict
     return [fault for fault in faults
-            if verdicts.get(identity(fault, texts[fault.path])) == SURVIVED]
+            if verdicts.get(identity(fault, texts[fault.path])) == SURVIVED
+            and not equivalents.reason(fault, texts[fault.path])]
 
 
 def options():
@@ -84,7 +86,7 @@ def options():
     parser.add_argument("--sample", type=int, metavar="COUNT", help="how many faults")
     parser.add_argument("--seed", type=int, help="what the draw begins with")
     parser.add_argument("--survivors", action="store_true",
-                        help="only those that survived before the tests were changed")
+                        help="only those that survived before, without equivalent ones")
     chosen = parser.parse_args()
     if chosen.survivors == (chosen.sample is not None) or (chosen.sample is None) != (
             chosen.seed is None):
@@ -101,15 +103,16 @@ def main():
     from places import find_faults
     faults = find_faults(root, FOLDERS, place)
     texts = {path: read_source(root / path) for path in {fault.path for fault in faults}}
+    equivalents = Equivalents()
     if chosen.survivors:
-        sample = Chosen(survivors(texts, faults, place))
+        sample = Chosen(survivors(texts, faults, place, equivalents))
         print(f"{len(sample.waiting)} survivors", flush=True)
     else:
         sample = Sample(faults, chosen.sample, chosen.seed)
         print(f"{len(faults)} possible faults; {chosen.sample} of them with seed {chosen.seed}: "
               + ", ".join(f"{count} in {name}" for name, count in sorted(sample.shares.items())),
               flush=True)
-    run = Run(texts, sample, Record(place / f"results-{mark}.jsonl"), Equivalents())
+    run = Run(texts, sample, Record(place / f"results-{mark}.jsonl"), equivalents)
     workers = [Worker(root, place / f"copy-{number}", mark, processor)
                for number, processor in enumerate(processors()[:2])]
     threads = [threading.Thread(target=run.attempt, args=[run.work, worker]) for worker in workers]

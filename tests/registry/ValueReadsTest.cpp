@@ -325,6 +325,15 @@ TEST_F(ValueReads, EveryQueryMayFail) {
     }
 }
 
+TEST_F(ValueReads, AMissingValueNeedsNoBuffer) {
+    CRegistryKey key(test::UserKey, true);
+    const CKORString name(L"missing");
+    std::uint32_t value = 0;
+    const std::int64_t blocks = test::LiveBlocks();
+    EXPECT_FALSE(key.ReadDword(name, value));
+    EXPECT_EQ(test::LiveBlocks(), blocks);
+}
+
 TEST_F(ValueReads, WithoutMemoryForTheBufferAReadFails) {
     Set(L"long", {REG_BINARY, std::vector<BYTE>(2000, 7)});
     const CKORString name(L"long");

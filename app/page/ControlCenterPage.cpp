@@ -43,8 +43,10 @@ void ControlCenterPage::ComposePage(CTable1D<std::int64_t>* rowHeights) {
     if (ColumnCount > 1) {
         PageHtml += GridOpening;
     }
+    // A text that is appended is searched for the end of what it is appended to; a string is not.
+    // So a row is composed by itself, and the page, which may be long, gets strings only.
+    const CKORString rowClosing(RowClosing);
     for (std::int64_t row = 0; row < RowCount; ++row) {
-        // A row is composed by itself: the page would be searched for its end with each piece.
         CKORString html(RowOpening);
         rows.Add(0);
         for (std::int64_t column = 0; column < ColumnCount; ++column) {
@@ -52,7 +54,7 @@ void ControlCenterPage::ComposePage(CTable1D<std::int64_t>* rowHeights) {
         }
         PageHtml += html;
         WindowHeight += rows[row];
-        PageHtml += RowClosing;
+        PageHtml += rowClosing;
     }
     // Also when no opening was written: intended.
     PageHtml += GridClosing;

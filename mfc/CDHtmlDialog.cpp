@@ -11,6 +11,7 @@ BEGIN_MESSAGE_MAP(CDHtmlDialog, CDialog)
 ON_WM_ACTIVATE()
 ON_WM_SETFOCUS()
 ON_WM_SIZE()
+ON_WM_SHOWWINDOW()
 ON_WM_DESTROY()
 END_MESSAGE_MAP()
 
@@ -205,6 +206,15 @@ void CDHtmlDialog::OnSize(UINT nType, int cx, int cy) {
         SUCCEEDED(m_pBrowserApp.QueryInterface(&control))) {
         const RECT client{0, 0, cx, cy};
         control->SetObjectRects(&client, &client);
+    }
+}
+
+// The dialog manager has given the focus to the control before it shows the dialog, whose page may
+// have been there already.
+void CDHtmlDialog::OnShowWindow(BOOL bShow, UINT nStatus) {
+    CDialog::OnShowWindow(bShow, nStatus);
+    if (bShow) {
+        FocusPage();
     }
 }
 

@@ -50,6 +50,10 @@ void CWnd::OnSize(UINT /*nType*/, int /*cx*/, int /*cy*/) {
     Default();
 }
 
+void CWnd::OnShowWindow(BOOL /*bShow*/, UINT /*nStatus*/) {
+    Default();
+}
+
 LRESULT CALLBACK CWnd::WindowProcedure(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
     auto* const window = reinterpret_cast<CWnd*>(GetWindowLongPtr(hWnd, GWLP_USERDATA));
     const LRESULT result = window->WindowProc(message, wParam, lParam);

@@ -65,6 +65,11 @@ protected:                                                                      
                                                 HIWORD(lParam));                                   \
          return 0;                                                                                 \
      }},
+#define ON_WM_SHOWWINDOW()                                                                         \
+    {WM_SHOWWINDOW, [](CWnd& window, WPARAM wParam, LPARAM lParam) -> LRESULT {                    \
+         static_cast<ThisClass&>(window).OnShowWindow(wParam != 0, static_cast<UINT>(lParam));     \
+         return 0;                                                                                 \
+     }},
 #define ON_WM_DESTROY()                                                                            \
     {WM_DESTROY, [](CWnd& window, WPARAM, LPARAM) -> LRESULT {                                     \
          static_cast<ThisClass&>(window).OnDestroy();                                              \
@@ -114,6 +119,7 @@ protected:
     afx_msg void OnActivate(UINT nState, CWnd* pWndOther, BOOL bMinimized);
     afx_msg void OnSetFocus(CWnd* pOldWnd);
     afx_msg void OnSize(UINT nType, int cx, int cy);
+    afx_msg void OnShowWindow(BOOL bShow, UINT nStatus);
     afx_msg void OnDestroy() { Default(); }
 
 private:

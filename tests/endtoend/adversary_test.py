@@ -232,6 +232,58 @@ class StaleSinks(Adversary):
         self.expect_nothing_started()
 
 
+class SmallScreen(Adversary):
+    """A netbook's: the dialog's template is larger than it."""
+    screen = "1024x600"
+    modes = "late-complete"  # the window stands there for a while before it is filled
+
+    def test_nothing_larger_is_shown(self):
+        session = self.session
+        session.open()
+        unfilled = []
+
+        def is_filled():
+            geometry = session.geometry()
+            page = session.alive() and session.page()
+            if page and page["writes"] == 0:
+                unfilled.append((geometry["WIDTH"], geometry["HEIGHT"]))
+            return page and page["writes"] > 0
+        wait_for(is_filled, "the page")
+        self.assertTrue(unfilled, "the window was seen before its page was filled")
+        self.assertLessEqual(max(width for width, _ in unfilled), 1024)
+        self.assertLessEqual(max(height for _, height in unfilled), 600)
+        metrics = session.metrics()
+        self.expect_size(metrics["SM_CXVSCROLL"] + 2 * (metrics["SM_CYDLGFRAME"] + 320), 600)
+        self.end()
+
+
+class ClosedOnALink(Adversary):
+    """Closed where an element of the page is held, and within an event of the page."""
+
+    def hover(self):
+        session = self.session
+        session.start()
+        session.point_at("KOR_0")
+        session.wait_for_page(lambda page: self.box("KOR_0", page)["color"] == "#ff0000", "the link under the pointer")
+
+    def test_with_the_mouse_on_it(self):
+        self.hover()
+        self.end()
+
+    def test_in_the_middle_of_its_click(self):
+        """The shell's message about a program that is gone meanwhile keeps the event from ending."""
+        session = self.session
+        self.hover()
+        (session.drive / "Program Files/Vantrel Imaging/Tools/SampleGallery.exe").unlink()
+        session.xdotool("click", 1)
+        windows = "search", "--onlyvisible", "--name", "."
+        wait_for(lambda: len(session.xdotool(*windows).split()) > 1, "the shell's message")
+        # Asks every window of the program to close.
+        session.prefix.run("taskkill", "/IM", "korcontrolcenter.exe")
+        self.assertEqual(session.launcher.wait(60), 0)
+        self.assertEqual(self.left()["objects"], 0)
+
+
 class Questions(Adversary):
     modes = "asks-everything"
 
@@ -248,6 +300,11 @@ class Focus(Adversary):
         self.session.start()
         self.session.wait_for_page(lambda page: page["focus"], "the focus in the page")
         self.end()
+
+
+class FocusAtOnce(Focus):
+    """The page is complete before the window is shown."""
+    modes = "at-once"
 
 
 class Refused(Adversary):

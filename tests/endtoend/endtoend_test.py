@@ -44,10 +44,11 @@ def sections(page):
 class EndToEnd(unittest.TestCase):
     dpi = 96
     installation = "development"
+    screen = "1600x1800"
     maxDiff = None
 
     def setUp(self):
-        self.session = Session(type(self).__name__, self.dpi, self.installation)
+        self.session = Session(type(self).__name__, self.dpi, self.installation, self.screen)
         self.addCleanup(self.session.close)
 
     def base_height(self, metrics):

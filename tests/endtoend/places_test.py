@@ -42,8 +42,17 @@ class PlantedDlls(Places):
             shutil.copy(BUILD / "release/tests/endtoend/planted.dll", folder / f"{name}.dll")
         # As Windows does: Wine would take its own before any other.
         self.session.prefix.environment["WINEDLLOVERRIDES"] += f";{','.join(PLANTED)}=n,b"
-        self.assertEqual(sections(self.start_in("planted")), DEVELOPMENT)
-        self.end()
+        with self.subTest("the launcher"):
+            self.assertEqual(sections(self.start_in("planted")), DEVELOPMENT)
+            self.end()
+            self.expect_none_loaded()
+        with self.subTest("kordiag"):
+            shutil.copy(BUILD / "release/diag/kordiag.exe", folder)
+            report = self.session.prefix.run(folder / "kordiag.exe", "report", cwd=folder).decode()
+            self.assertIn("Vantrel Sample Gallery", report)
+            self.expect_none_loaded()
+
+    def expect_none_loaded(self):
         log = self.session.drive / "planted.log"
         self.assertEqual(log.read_text("utf-16-le").splitlines() if log.exists() else [], [])
 

@@ -12,9 +12,9 @@ from sandbox.prefix import throw_away  # noqa: E402
 
 
 class Session(ControlCenter):
-    def __init__(self, name, dpi, installation):
+    def __init__(self, name, dpi, installation, screen="1600x1800"):
         with contextlib.ExitStack() as stack:
-            display = stack.enter_context(private_display("1600x1800"))
+            display = stack.enter_context(private_display(screen))
             super().__init__(stack.enter_context(
                 throw_away(f"endtoend-{name}", DISPLAY=display, KOR_STUB_QUIET="1")))
             stack.callback(self.kill)

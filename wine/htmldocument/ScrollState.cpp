@@ -5,6 +5,7 @@
 
 namespace html {
 
+// The bars are drawn when the window is painted, once for all that changed until then.
 void ScrollState::Update(HWND window, SIZE page, SIZE view, bool vertical, bool horizontal) {
     m_page = page;
     m_view = view;
@@ -16,13 +17,14 @@ void ScrollState::Update(HWND window, SIZE page, SIZE view, bool vertical, bool 
     if (vertical) {
         info.nMax = page.cy - 1;
         info.nPage = static_cast<UINT>(std::max<LONG>(view.cy, 0));
-        SetScrollInfo(window, SB_VERT, &info, TRUE);
+        SetScrollInfo(window, SB_VERT, &info, FALSE);
     }
     if (horizontal) {
         info.nMax = page.cx - 1;
         info.nPage = static_cast<UINT>(std::max<LONG>(view.cx, 0));
-        SetScrollInfo(window, SB_HORZ, &info, TRUE);
+        SetScrollInfo(window, SB_HORZ, &info, FALSE);
     }
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME);
     ScrollTo(window, m_at.x, m_at.y);
 }
 

@@ -38,31 +38,31 @@ BOOL CDHtmlDialog::OnInitDialog() {
 }
 
 bool CDHtmlDialog::CreateBrowser() {
-    CComPtr<IOleObject> object;
     if (FAILED(m_pBrowserApp.CoCreateInstance(CLSID_WebBrowser)) ||
-        FAILED(m_pBrowserApp.QueryInterface(&object))) {
+        FAILED(m_pBrowserApp.QueryInterface(&m_control)) ||
+        FAILED(m_control->SetClientSite(m_site.get()))) {
         return false;
     }
     RECT client{};
     GetClientRect(&client);
-    object->SetClientSite(m_site.get());
     m_browserEvents->Connect(m_pBrowserApp);
     m_pBrowserApp->put_RegisterAsDropTarget(VARIANT_FALSE);
-    object->DoVerb(OLEIVERB_UIACTIVATE, nullptr, m_site.get(), 0, m_hWnd, &client);
+    m_control->DoVerb(OLEIVERB_UIACTIVATE, nullptr, m_site.get(), 0, m_hWnd, &client);
     return true;
 }
 
-// In the reverse of the order in which it came to be.
+// In the reverse of the order in which it came to be. Nothing is asked of the control any more: a
+// control that is not told to close would keep itself and the site.
 void CDHtmlDialog::CloseBrowser() {
     m_pageEvents->Disconnect();
     m_body.Release();
     m_spHtmlDoc.Release();
     m_browserEvents->Disconnect();
-    CComPtr<IOleObject> object;
-    if (m_pBrowserApp != nullptr && SUCCEEDED(m_pBrowserApp.QueryInterface(&object))) {
-        object->Close(OLECLOSE_NOSAVE);
-        object->SetClientSite(nullptr);
+    if (m_control != nullptr) {
+        m_control->Close(OLECLOSE_NOSAVE);
+        m_control->SetClientSite(nullptr);
     }
+    m_control.Release();
     m_pBrowserApp.Release();
 }
 

@@ -155,6 +155,7 @@ private:
     std::unique_ptr<EventSink, ComRelease> m_browserEvents;
     std::unique_ptr<EventSink, ComRelease> m_pageEvents;
     CComPtr<IWebBrowser2> m_pBrowserApp;
+    CComPtr<IOleObject> m_control;       // the same, as an embedded object
     CComPtr<IHTMLDocument2> m_spHtmlDoc; // null until the page has loaded
     CComPtr<IHTMLElement> m_body;        // another one when the page was loaded again
     // The key message that the loop got last, and the host's answer once it was asked.

@@ -81,6 +81,8 @@ TEST(ControlFailures, EachCallToWinesOwnControlFailsOnceAndNothingIsLeft) {
         const std::int64_t before = test::LiveBlocks();
         test::FailingCalls failure(failing);
         const Outcome run = RunDialog(failure, failing == 0 ? Patience : LittlePatience);
+        const std::int64_t after = test::LiveBlocks();
+        SCOPED_TRACE(failure.Failed());
         EXPECT_TRUE(run.Shown);
         EXPECT_EQ(run.Result, IDABORT) << "ended by the quit message";
         EXPECT_EQ(failure.References(), 0U) << "the control is still there";
@@ -90,7 +92,7 @@ TEST(ControlFailures, EachCallToWinesOwnControlFailsOnceAndNothingIsLeft) {
             calls = failure.Calls();
         } else {
             // What watches the calls is made with the first run.
-            EXPECT_EQ(test::LiveBlocks(), before) << "the host left something behind";
+            EXPECT_EQ(after, before) << "the host left something behind";
             EXPECT_GE(failure.Calls(), failing);
         }
     }

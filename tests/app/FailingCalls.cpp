@@ -17,18 +17,21 @@ namespace {
 
 FailingCalls* g_current = nullptr;
 
+struct Known;
+
 struct Method {
-    const IID* Interface;
+    const Known* Interface;
     std::size_t Slot;
     void* Original;
 };
 
 // What the host asks the control for, and how many methods that has.
 struct Known {
+    const char* Name;
     const IID& Iid;
     std::size_t Methods;
 };
-#define KNOWN(Interface) {IID_##Interface, sizeof(Interface##Vtbl) / sizeof(void*)}
+#define KNOWN(Interface) {#Interface, IID_##Interface, sizeof(Interface##Vtbl) / sizeof(void*)}
 const Known KnownInterfaces[] = {
     KNOWN(IUnknown),
     KNOWN(IWebBrowser2),
@@ -80,9 +83,9 @@ LONG_PTR Decide(const Method* method, void* caller, void** arguments) {
         return static_cast<LONG_PTR>(left);
     }
     const bool gives = method->Slot == QueryInterfaceSlot ||
-                       (*method->Interface == IID_IConnectionPointContainer &&
+                       (method->Interface->Iid == IID_IConnectionPointContainer &&
                         method->Slot == FindConnectionPointSlot);
-    if (g_current->NextFails()) {
+    if (g_current->NextFails(method->Interface->Name, method->Slot)) {
         if (gives) {
             *static_cast<void**>(arguments[2]) = nullptr;
         }
@@ -146,7 +149,7 @@ void* const* WatchedTable(const Known& known, void* const* original) {
     auto* const code = static_cast<Code*>(
         VirtualAlloc(nullptr, known.Methods * sizeof(Code), MEM_COMMIT, PAGE_EXECUTE_READWRITE));
     for (std::size_t slot = 0; slot < known.Methods; ++slot) {
-        table.Methods[slot] = {&known.Iid, slot, original[slot]};
+        table.Methods[slot] = {&known, slot, original[slot]};
         Code one;
         one.Which = &table.Methods[slot];
         one.Original = original[slot];
@@ -176,7 +179,7 @@ FailingCalls::~FailingCalls() {
 }
 
 HRESULT FailingCalls::Make(const std::function<HRESULT()>& make, REFIID iid, void** object) {
-    if (NextFails()) {
+    if (NextFails("CoCreateInstance", 0)) {
         *object = nullptr;
         return E_FAIL;
     }

@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "app/page/ControlCenterPage.h"
+#include "page/ControlCenterPage.h"
 
 // Is the framework's dialog and the page in one, since its window, its page and the catalogue's
 // folders, sizes and sections are members of one object to all who know it. The constructor starts

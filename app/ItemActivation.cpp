@@ -5,8 +5,6 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
-#include "app/page/PageMarkup.h"
-
 namespace {
 
 constexpr long HoverColor = 0xFF0000;

@@ -1,7 +1,7 @@
 // The page as the launcher would show it now, with what the launcher does not keep.
 #pragma once
 
-#include "app/page/ControlCenterPage.h"
+#include "page/ControlCenterPage.h"
 
 struct PageState {
     // Starts the page with the sizes of this machine; a DPI of 0 is the screen's.

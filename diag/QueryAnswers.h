@@ -2,8 +2,8 @@
 // tells about the texts that the items' paths begin with.
 #pragma once
 
-#include "app/page/InstallationQueries.h"
 #include "base/CKORString.h"
+#include "page/InstallationQueries.h"
 
 // In its real form.
 CKORString KeyName(const AskedQuery& query);

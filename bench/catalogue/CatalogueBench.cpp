@@ -11,9 +11,9 @@
 #include <functional>
 #include <string>
 
-#include "app/page/ControlCenterPage.h"
 #include "bench/Measured.h"
 #include "bench/catalogue/CallTrace.h"
+#include "page/ControlCenterPage.h"
 
 namespace {
 

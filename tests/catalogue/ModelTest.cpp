@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <string>
+
 #include "catalogue/Catalogue.h"
 #include "tests/support/GuardedMemory.h"
 #include "tests/support/Printing.h"
@@ -54,6 +56,46 @@ TEST(ControlCenterItem, BlanksInTheIdBecomeHyphens) {
     ControlCenterSection blanks(L"  a  b ", L"title");
     AddItem(blanks, L"x");
     EXPECT_EQ(blanks[0]->Id, L"--a--b-_0");
+}
+
+class TheSectionsMarkup : public testing::Test {
+protected:
+    TheSectionsMarkup() { m_installed.MakeFile(L"C:\\KorTest\\x"); }
+
+    static void AddItem(ControlCenterSection& section, const wchar_t* path,
+                        const wchar_t* label = L"L", const wchar_t* prefix = L"",
+                        const wchar_t* suffix = L"") {
+        section.Add(new ControlCenterItem(&section, label, prefix, suffix, path, ItemProgram, L""));
+    }
+
+    test::TestInstallation m_installed;
+};
+
+TEST_F(TheSectionsMarkup, HasTextsAsTheyAre) {
+    ControlCenterSection section(L"K", L"<b>\"A & B\"");
+    AddItem(section, L"C:\\KorTest\\x", L"a<i>b & \"c\"", L"<u>", L"%s</u>\x00e9");
+    EXPECT_EQ(section.ComposeSectionHtml(),
+              L"<div id=<b>\"A & B\"Section><h2><b>\"A & B\"</h2><ul><li><u> <SPAN class=item "
+              L"id=K_0 style=color:#0000FF;text-decoration:underline>a<i>b & \"c\"</SPAN> "
+              L"%s</u>\x00e9</li></ul></div>");
+}
+
+TEST_F(TheSectionsMarkup, KeepsTheTitlesBlanksInItsId) {
+    ControlCenterSection section(L"KOR", L"Quick Start");
+    AddItem(section, L"C:\\KorTest\\x");
+    EXPECT_EQ(std::wstring(section.ComposeSectionHtml().Text())
+                  .rfind(L"<div id=Quick StartSection><h2>Quick Start</h2>", 0),
+              0U);
+}
+
+TEST_F(TheSectionsMarkup, KeepsTheFormerCountOfAListThatBecameEmpty) {
+    ControlCenterSection section(L"A", L"Alpha");
+    AddItem(section, L"C:\\KorTest\\x");
+    AddItem(section, L"C:\\KorTest\\x");
+    section.ComposeSectionHtml();
+    m_installed.DeleteFileOf(L"C:\\KorTest\\x");
+    EXPECT_EQ(section.ComposeSectionHtml(), L"");
+    EXPECT_EQ(section.ShownItemCount, 2);
 }
 
 // Before main, so before any item.

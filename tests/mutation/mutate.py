@@ -15,7 +15,7 @@ from report import report, unlisted_survivors
 from tree import fingerprint, processors, root_of_the_project
 from worker import Worker, is_left_to_programs
 
-FOLDERS = ("app", "app/page", "page", "catalogue", "registry", "env", "base")
+FOLDERS = ("app", "page", "catalogue", "registry", "env", "base")
 
 
 class Run:

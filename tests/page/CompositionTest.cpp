@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string>
 
-#include "app/page/ControlCenterPage.h"
+#include "page/ControlCenterPage.h"
 #include "tests/support/GuardedMemory.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TestInstallation.h"
@@ -30,16 +30,11 @@ protected:
         auto* const section = new ControlCenterSection(key, title);
         m_page.Sections.Add(section);
         for (int i = 0; i < shown + missing; ++i) {
-            AddItem(*section, i < shown ? L"C:\\KorTest\\x" : L"C:\\KorTest\\missing");
+            const wchar_t* const path = i < shown ? L"C:\\KorTest\\x" : L"C:\\KorTest\\missing";
+            section->Add(new ControlCenterItem(section, L"L", L"", L"", path, ItemProgram, L""));
         }
         m_page.RowCount = m_page.Sections.PlaceOnGrid(m_page.ColumnCount);
         return *section;
-    }
-
-    static void AddItem(ControlCenterSection& section, const wchar_t* path,
-                        const wchar_t* label = L"L", const wchar_t* prefix = L"",
-                        const wchar_t* suffix = L"") {
-        section.Add(new ControlCenterItem(&section, label, prefix, suffix, path, ItemProgram, L""));
     }
 
     std::wstring Compose() {
@@ -90,7 +85,8 @@ TEST_F(CompositionDeathTest, ARowsHeightIsAddedBeforeTheRowIsClosed) {
     auto* const section = new ControlCenterSection(L"A", L"Alpha");
     m_page.Sections.Add(section);
     m_page.Sections.PlaceOnGrid(1);
-    AddItem(*section, L"C:\\KorTest\\x", L"L");
+    section->Add(
+        new ControlCenterItem(section, L"L", L"", L"", L"C:\\KorTest\\x", ItemProgram, L""));
     m_page.ComposePage();
     const std::int64_t before = m_page.PageHtml.Count() - Closings;
     const std::int64_t missing = (Step - before % Step) % Step;
@@ -183,31 +179,6 @@ TEST_F(Composition, LeavesTheRowsHeightsOnRequest) {
     m_installed.DeleteValue(Library, L"KorVersion");
     m_page.ComposePage(&heights);
     EXPECT_EQ(heights.Count(), 0);
-}
-
-TEST_F(Composition, TextsAreInsertedAsTheyAre) {
-    auto* const section = new ControlCenterSection(L"K", L"<b>\"A & B\"");
-    m_page.Sections.Add(section);
-    AddItem(*section, L"C:\\KorTest\\x", L"a<i>b & \"c\"", L"<u>", L"%s</u>\x00e9");
-    EXPECT_STREQ(section->ComposeSectionHtml().Text(),
-                 L"<div id=<b>\"A & B\"Section><h2><b>\"A & B\"</h2><ul><li><u> <SPAN class=item "
-                 L"id=K_0 style=color:#0000FF;text-decoration:underline>a<i>b & \"c\"</SPAN> "
-                 L"%s</u>\x00e9</li></ul></div>");
-}
-
-TEST_F(Composition, TheSectionsIdKeepsTheTitlesBlanks) {
-    ControlCenterSection& section = Add(L"KOR", L"Quick Start", 1);
-    EXPECT_EQ(std::wstring(section.ComposeSectionHtml().Text())
-                  .rfind(L"<div id=Quick StartSection><h2>Quick Start</h2>", 0),
-              0U);
-}
-
-TEST_F(Composition, AListThatBecameEmptyKeepsTheFormerCount) {
-    ControlCenterSection& section = Add(L"A", L"Alpha", 2);
-    section.ComposeSectionHtml();
-    m_installed.DeleteFileOf(L"C:\\KorTest\\x");
-    EXPECT_STREQ(section.ComposeSectionHtml().Text(), L"");
-    EXPECT_EQ(section.ShownItemCount, 2);
 }
 
 TEST_F(Composition, EveryPathIsTestedOnceEachTime) {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "app/page/ControlCenterPage.h"
+#include "page/ControlCenterPage.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {

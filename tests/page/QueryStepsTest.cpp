@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/page/InstallationQueries.h"
+#include "page/InstallationQueries.h"
 #include "registry/CRegistryKey.h"
 #include "tests/page/SystemCalls.h"
 #include "tests/support/TestInstallation.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/page/ControlCenterPage.h"
+#include "page/ControlCenterPage.h"
 #include "tests/page/SystemCalls.h"
 #include "tests/support/TestInstallation.h"
 

@@ -2,10 +2,10 @@
 // markup and the window's size that follow from that.
 #pragma once
 
-#include "app/page/PageSizes.h"
 #include "base/CKORString.h"
 #include "catalogue/Catalogue.h"
 #include "catalogue/Installation.h"
+#include "page/PageSizes.h"
 
 class ControlCenterPage : public Installation, public PageSizes {
 public:

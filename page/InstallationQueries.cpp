@@ -1,4 +1,4 @@
-#include "app/page/InstallationQueries.h"
+#include "page/InstallationQueries.h"
 
 #include <cwchar>
 

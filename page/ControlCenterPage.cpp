@@ -1,9 +1,22 @@
-#include "app/page/ControlCenterPage.h"
+#include "page/ControlCenterPage.h"
 
 #include <algorithm>
 
-#include "app/page/InstallationQueries.h"
-#include "app/page/PageMarkup.h"
+#include "page/InstallationQueries.h"
+
+namespace {
+
+constexpr wchar_t GridOpening[] = L"<table class=\"innertable\" width=\"100%\">\n";
+constexpr wchar_t RowOpening[] = L"<tr>\n\n";
+// Formatted with the column's width in percent; the rest is appended as it stands.
+constexpr wchar_t CellOpeningWidth[] = L"<td class =\"column\" width=\"%d";
+constexpr wchar_t CellOpeningRest[] = L"%\" valign=\"top\">";
+constexpr wchar_t CellClosing[] = L"</td>";
+constexpr wchar_t RowClosing[] = L"</tr>";
+constexpr wchar_t GridClosing[] = L"</table>";
+constexpr wchar_t NotInstalledMessage[] = L"This KOR hasn't been installed by a valid install";
+
+} // namespace
 
 void ControlCenterPage::Start(const ScreenMetrics& metrics, CTable1D<std::int64_t>* rowHeights) {
     static_cast<PageSizes&>(*this) = ComputePageSizes(metrics);

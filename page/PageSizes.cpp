@@ -1,4 +1,4 @@
-#include "app/page/PageSizes.h"
+#include "page/PageSizes.h"
 
 #include <windows.h>
 

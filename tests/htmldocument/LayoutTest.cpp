@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "tests/htmldocument/PageText.h"
-#include "wine/htmldocument/Page.h"
+#include "wine/htmldocument/engine/Page.h"
 
 namespace html {
 namespace {

@@ -4,7 +4,7 @@
 #include <exdispid.h>
 
 #include "tests/htmldocument/PageText.h"
-#include "wine/htmldocument/Modes.h"
+#include "wine/htmldocument/com/Modes.h"
 
 namespace test {
 namespace {

@@ -1,7 +1,7 @@
 // Markup in, tree out: written as markup again, with every tag that the parser closed by itself.
 #include <gtest/gtest.h>
 
-#include "wine/htmldocument/HtmlParser.h"
+#include "wine/htmldocument/engine/HtmlParser.h"
 
 namespace html {
 namespace {

@@ -1,8 +1,8 @@
 // Which declaration wins, and what the values mean.
 #include <gtest/gtest.h>
 
-#include "wine/htmldocument/HtmlParser.h"
-#include "wine/htmldocument/Style.h"
+#include "wine/htmldocument/engine/HtmlParser.h"
+#include "wine/htmldocument/engine/Style.h"
 
 namespace html {
 namespace {

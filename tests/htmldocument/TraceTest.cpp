@@ -4,7 +4,7 @@
 #include <random>
 
 #include "tests/htmldocument/PageText.h"
-#include "wine/htmldocument/Json.h"
+#include "wine/htmldocument/com/Json.h"
 
 namespace test {
 namespace {

@@ -5,11 +5,11 @@ import json
 import subprocess
 import unittest
 
-from clicks_test import program, topic
-from endtoend_test import DEVELOPMENT, EndToEnd, sections
-from session import BUILD, TITLE, wait_for
+from clicks_test import topic
+from endtoend_test import EndToEnd, sections
+from session import BUILD, DEVELOPMENT, LINKS, TITLE, wait_for
 
-GALLERY = program("C:\\Program Files\\Vantrel Imaging\\Tools\\SampleGallery.exe", " /KOR")
+GALLERY = LINKS["KOR_0"]
 VERSIONS = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Flow Forge\Installed Versions"
 # A page that is not ours, with an element as ours has them.
 FOREIGN = "<h2>Foreign</h2><span class=item id=KOR_0>Not the gallery</span>"

@@ -3,8 +3,8 @@
 import shutil
 import unittest
 
-from endtoend_test import DEVELOPMENT, EndToEnd, sections
-from session import BUILD
+from endtoend_test import EndToEnd, sections
+from session import BUILD, DEVELOPMENT
 
 # Names that are loaded by name in programs of this kind, here or on Windows: by the shell, the
 # window manager, COM's and the HTML engine's DLLs. What Wine's own DLLs load before the program's

@@ -5,6 +5,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "wine"))
 from sandbox.controlcenter import PATIENCE, TITLE, ControlCenter, wait_for  # noqa: E402, F401
+from sandbox.demopage import DEVELOPMENT, LINKS, row_heights  # noqa: E402, F401
 from sandbox.display import private_display  # noqa: E402
 from sandbox.installation import install, windows_path  # noqa: E402, F401
 from sandbox.places import BUILD, DEMO, ROOT  # noqa: E402, F401

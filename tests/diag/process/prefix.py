@@ -6,6 +6,7 @@ import sys
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "wine"))
+from sandbox.demopage import DEVELOPMENT, LINKS, SECTIONS, row_heights  # noqa: E402, F401
 from sandbox.installation import lay_files  # noqa: E402
 from sandbox.places import DEMO, ROOT  # noqa: E402, F401
 from sandbox.prefix import throw_away  # noqa: E402

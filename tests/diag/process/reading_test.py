@@ -6,7 +6,7 @@ import re
 import sys
 import unittest
 
-from prefix import ROOT, Prefix
+from prefix import DEVELOPMENT, LINKS, ROOT, SECTIONS, Prefix, row_heights
 
 PROGRAM = None
 LIBRARY = r"HKEY_LOCAL_MACHINE\SOFTWARE\Vantrel\Vantrel Imaging Library"
@@ -42,15 +42,12 @@ class WholeInstallation(Reading):
 
     def test_catalogue(self):
         sections = self.answer("catalogue")["sections"]
-        self.assertEqual([(s["key"], s["title"], s["row"], s["column"], s["shown"], len(s["items"]))
+        self.assertEqual([(s["key"], s["title"], s["row"], s["column"], s["shown"],
+                           [(item["id"], item["label"], item["type"]) for item in s["items"]])
                           for s in sections],
-                         [("KOR", "Quick Start", 0, 0, 3, 3), ("FOLDERS", "Folders", 0, 1, 6, 6),
-                          ("TOOLS", "General Tools", 1, 0, 5, 5), ("GUI", "Processing Tools", 1, 1, 9, 9),
-                          ("FLOWFORGE-2.1", "Flow Forge 2.1", 2, 0, 6, 6),
-                          ("FLOWFORGE-3.0", "Flow Forge 3.0", 2, 1, 6, 6),
-                          ("FLOWFORGE-2.0", "Flow Forge 2.0 (32-bit)", 3, 0, 6, 6),
-                          ("ACTIVEKOR", "ActiveKOR", 3, 1, 7, 7), ("FLOWFORGE", "Flow Forge", 4, 0, 4, 4),
-                          ("RT", "KOR for RTOS", 4, 1, 2, 2)])
+                         [(s["key"], s["title"], at // 2, at % 2, len(s["links"]),
+                           [(link["id"], link["label"], link["type"]) for link in s["links"]])
+                          for at, s in enumerate(SECTIONS)])
         self.assertEqual(list(sections[0]), ["key", "title", "row", "column", "shown", "items"])
         self.assertEqual(sections[0]["items"][0],
                          {"id": "KOR_0", "label": "Vantrel Sample Gallery", "type": "program",
@@ -60,7 +57,6 @@ class WholeInstallation(Reading):
                          ["id", "label", "type", "path", "arguments", "shown", "why"])
         items = [item for section in sections for item in section["items"]]
         self.assertTrue(all(item["shown"] and item["why"] == "" for item in items))
-        self.assertEqual({item["type"] for item in items}, {"program", "folder", "document", "help"})
         self.assertEqual(self.answer("catalogue")["notBuilt"], [])
         self.assertNotIn("Not built", self.text("catalogue"))
 
@@ -84,14 +80,14 @@ class WholeInstallation(Reading):
         self.assertEqual(list(sizes), ["dpi", "sectionBaseHeight", "itemHeight", "baseWidth", "baseHeight",
                                        "windowWidth", "windowHeight", "rows"])
         self.assertEqual((sizes["dpi"], sizes["sectionBaseHeight"], sizes["itemHeight"]), (96, 45, 20))
-        self.assertEqual(sizes["rows"], [45 + 20 * n for n in (6, 9, 6, 7, 4)])
+        self.assertEqual(sizes["rows"], row_heights(DEVELOPMENT))
         self.assertEqual(sizes["windowHeight"], sizes["baseHeight"] + sum(sizes["rows"]))
         for dpi, section, item, width in ((96, 45, 20, sizes["windowWidth"]), (120, 56, 25, 1405),
                                           (144, 67, 30, 1404), (145, 67, 30, 1405)):
             other = self.answer("sizes", "--dpi", str(dpi))
             self.assertEqual((other["dpi"], other["sectionBaseHeight"], other["itemHeight"],
                               other["windowWidth"]), (dpi, section, item, width))
-            self.assertEqual(other["rows"], [section + item * n for n in (6, 9, 6, 7, 4)])
+            self.assertEqual(other["rows"], row_heights(DEVELOPMENT, section, item))
 
     def test_roots(self):
         plain = {root["id"]: root for root in self.answer("roots")}
@@ -115,7 +111,7 @@ class WholeInstallation(Reading):
         self.assertTrue(page.startswith(b"<table class=\"innertable\" width=\"100%\">\n<tr>\n\n<td class =\"column\""))
         self.assertTrue(page.endswith(b"</tr></table>"))
         self.assertNotIn(b"\r", page)
-        self.assertEqual(page.count(b"<SPAN class=item "), 54)
+        self.assertEqual(page.count(b"<SPAN class=item "), len(LINKS))
 
     def test_document_is_the_template_with_everything_in_it(self):
         _, page, _ = self.prefix.run("page")

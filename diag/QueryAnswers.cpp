@@ -42,7 +42,7 @@ const AskedQuery& QueryOf(const InstallationQuery& question) {
 } // namespace
 
 CKORString KeyName(const AskedQuery& query) {
-    return ResolvedName(KeyPath(query), CRegistryKey::RtxMode());
+    return kor::ResolvedName(KeyPath(query), CRegistryKey::RtxMode());
 }
 
 QueryAnswer Ask(const AskedQuery& query) {

@@ -3,13 +3,14 @@
 #include <cwchar>
 #include <vector>
 
+#include "registry/RootTables.h"
 #include "registry/VolatileClassification.h"
 
 namespace {
 
 // Why a key could not be opened.
 CKORString WhyNotOpened(const CKORString& path, bool create) {
-    const CKORString name = ResolvedName(path, CRegistryKey::RtxMode());
+    const CKORString name = kor::ResolvedName(path, CRegistryKey::RtxMode());
     if (name.Length() == 0) {
         return CKORString(L"the path does not begin with a known root: ") + path;
     }
@@ -81,11 +82,11 @@ bool IsRefusedAsVolatile(const CKORString& path, bool create) {
     const wchar_t* const separator = std::wcschr(path.Text(), L'\\');
     const CKORString rootName =
         separator != nullptr ? path.Left(separator - path.Text()) : CKORString(path);
-    const SymbolicRoot* const root = FindSymbolicRoot(rootName.Text());
+    const kor::SymbolicRoot* const root = kor::FindSymbolicRoot(rootName.Text());
     SymbolicRootId id = root != nullptr ? root->id : SymbolicRootId::None;
     const CKORString rest(separator != nullptr ? separator + 1 : L"");
-    return ClassifyVolatile(rest, rootName.Text(), id, create, CRegistryKey::RtxMode()) ==
-           VolatileKind::Refused;
+    return kor::ClassifyVolatile(rest, rootName.Text(), id, create, CRegistryKey::RtxMode()) ==
+           kor::VolatileKind::Refused;
 }
 
 void Complain(Streams& streams, const CKORString& words) {

@@ -185,7 +185,7 @@ std::wstring StoredName(const CRegistryKey& key, const std::wstring& name) {
 // name begins.
 CKORString ExclusionOf(const CRegistryKey& source, const CKORString& destination) {
     const std::wstring from(source.GetFullName().Text());
-    const std::wstring to(ResolvedName(destination, CRegistryKey::RtxMode()).Text());
+    const std::wstring to(kor::ResolvedName(destination, CRegistryKey::RtxMode()).Text());
     const bool isInside = to.size() > from.size() && to[from.size()] == L'\\' &&
                           _wcsnicmp(to.c_str(), from.c_str(), from.size()) == 0;
     if (!isInside) {
@@ -206,7 +206,7 @@ CKORString ExclusionOf(const CRegistryKey& source, const CKORString& destination
 void WarnOfBranchesLeftOut(const CRegistryKey& source, const CKORString& destination,
                            const CKORString& exclusion, Streams& streams) {
     CKORString to(destination);
-    RemoveTrailingBackslashes(to);
+    kor::RemoveTrailingBackslashes(to);
     const std::wstring excluded(exclusion.Text());
     // Level by level, since keys may be nested deeper than the program's stack reaches.
     std::deque<std::wstring> pending = {L""};

@@ -2,7 +2,7 @@
 #include "diag/Commands.h"
 #include "diag/Reading.h"
 #include "registry/CRegistryKey.h"
-#include "registry/SymbolicRoots.h"
+#include "registry/RootTables.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ private:
     bool m_before;
 };
 
-bool Exists(const SymbolicRoot& root, bool rtxLayout) {
+bool Exists(const kor::SymbolicRoot& root, bool rtxLayout) {
     const LayoutInForce layout(rtxLayout);
     CRegistryKey key;
     return key.OpenSymbolic(root.id, L"", false);
@@ -30,10 +30,11 @@ bool Exists(const SymbolicRoot& root, bool rtxLayout) {
 template <typename Function>
 void ForEachRoot(bool rtxLayout, Function function) {
     std::uint32_t id = 1;
-    while (const SymbolicRoot* const root = FindSymbolicRoot(static_cast<SymbolicRootId>(id))) {
-        const RootLocation& location = root->In(rtxLayout);
+    while (const kor::SymbolicRoot* const root =
+               kor::FindSymbolicRoot(static_cast<SymbolicRootId>(id))) {
+        const kor::RootLocation& location = root->In(rtxLayout);
         const std::wstring_view prefix(location.prefix);
-        function(id, *root, FindRealRoot(HandleOf(location.hive))->name,
+        function(id, *root, kor::FindRealRoot(kor::HandleOf(location.hive))->name,
                  prefix.substr(0, prefix.size() - 1));
         ++id;
     }
@@ -48,7 +49,7 @@ ExitCode RunRoots(const Arguments& arguments, Streams& streams) {
 
 void WriteRoots(JsonWriter& json, bool rtxLayout) {
     json.BeginArray();
-    ForEachRoot(rtxLayout, [&](std::uint32_t id, const SymbolicRoot& root, const wchar_t* hive,
+    ForEachRoot(rtxLayout, [&](std::uint32_t id, const kor::SymbolicRoot& root, const wchar_t* hive,
                                std::wstring_view subKey) {
         json.BeginObject();
         json.Key(L"id").Number(std::int64_t{id});
@@ -68,7 +69,7 @@ void WriteRoots(JsonWriter& json, bool rtxLayout) {
 }
 
 void WriteRoots(Utf8Output& output, bool rtxLayout) {
-    ForEachRoot(rtxLayout, [&](std::uint32_t id, const SymbolicRoot& root, const wchar_t* hive,
+    ForEachRoot(rtxLayout, [&](std::uint32_t id, const kor::SymbolicRoot& root, const wchar_t* hive,
                                std::wstring_view subKey) {
         output.Write(std::int64_t{id}, L" ",
                      root.name != nullptr ? root.name : L"(no name, only an id)",

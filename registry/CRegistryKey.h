@@ -13,6 +13,11 @@
 // Registry data is not trusted: strings may be unterminated, odd-sized or empty. Nothing beyond the
 // bytes that came back is read.
 //
+// Defined in: KeyLifetime.cpp (construction, closing, flushing), PathResolution.cpp (opening by
+// path), RelativeMoves.cpp, ValueReads.cpp, Enumeration.cpp (counts and lists), Writes.cpp,
+// TreeOperations.cpp (creating and deleting keys), CopyTree.cpp, VolatileStamps.cpp, and
+// VolatileMutexes.cpp.
+//
 // The layer is for one thread of a process at a time: the layout, the write switch and the stamping
 // of volatile keys go by plain flags of the process. A key object closes what it holds, and
 // releases a mutex that it holds, when it is destroyed.
@@ -31,9 +36,13 @@
 #include "registry/RegValueType.h"
 #include "registry/SymbolicRoots.h"
 
+namespace kor {
+
 // What GetFullName gives for a key that was opened by the path in the layout, whether or not there
 // is such a key; empty for an unknown root.
 CKORString ResolvedName(const CKORString& path, bool rtxLayout);
+
+} // namespace kor
 
 class CRegistryKey {
 public:
@@ -247,7 +256,7 @@ private:
     bool m_rtxLayout;
     HKEY m_root = nullptr;
     HKEY m_handle = nullptr;
-    bool m_created = false; // or changed: the destructor flushes
+    bool m_isFlushDue = false; // it was opened with create or changed: the destructor flushes
     CKORString m_subKey;
     bool m_ownsRoot = false; // m_root was opened for the current user
 

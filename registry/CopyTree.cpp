@@ -103,7 +103,7 @@ bool CRegistryKey::CopyTree(const CKORString& destination, const CKORString& exc
             }
         }
         LeaveSubKey();
-        ChangeLength(target, walk.Top().targetLength, L' ');
+        kor::ChangeLength(target, walk.Top().targetLength, L' ');
     }
 }
 

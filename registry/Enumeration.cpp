@@ -58,6 +58,20 @@ bool CollectNames(HKEY key, EnumFunction next, CTable1D<CKORString>& names) {
 
 } // namespace
 
+std::uint32_t CRegistryKey::GetSubKeyCount() const {
+    std::uint64_t count = 0;
+    return m_handle != nullptr && kor::GetSubKeyCount(m_handle, count)
+               ? static_cast<std::uint32_t>(count)
+               : 0;
+}
+
+std::uint32_t CRegistryKey::GetValueCount() const {
+    std::uint64_t count = 0;
+    return m_handle != nullptr && kor::GetValueCount(m_handle, count)
+               ? static_cast<std::uint32_t>(count)
+               : 0;
+}
+
 bool CRegistryKey::EnumSubKeyNames(CTable1D<CKORString>& names) const {
     return CollectNames(m_handle, NextSubKey, names);
 }
@@ -80,6 +94,6 @@ bool CRegistryKey::SubKeyExists(const CKORString& name) const {
                                              &subKey) != ERROR_SUCCESS) {
         return false;
     }
-    CloseKeyHandle(subKey);
+    kor::CloseKeyHandle(subKey);
     return true;
 }

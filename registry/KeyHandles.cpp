@@ -1,5 +1,7 @@
 #include "registry/KeyHandles.h"
 
+namespace kor {
+
 bool CloseKeyHandle(HKEY handle) {
     return RegCloseKey(handle) == ERROR_SUCCESS;
 }
@@ -28,3 +30,5 @@ bool GetValueCount(HKEY handle, std::uint64_t& count) {
     count = result == ERROR_SUCCESS ? values : 0;
     return result == ERROR_SUCCESS;
 }
+
+} // namespace kor

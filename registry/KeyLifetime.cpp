@@ -20,14 +20,14 @@ CRegistryKey::CRegistryKey(const CKORString& path, bool create) : CRegistryKey()
 
 CRegistryKey::~CRegistryKey() {
     StampCompanion.reset();
-    if (m_created) {
+    if (m_isFlushDue) {
         FlushCreated();
     }
     if (m_handle != nullptr) {
         Close();
     }
     if (m_ownsRoot) {
-        CloseKeyHandle(m_root);
+        kor::CloseKeyHandle(m_root);
     }
     if (VolatileMutex != nullptr) {
         ReleaseVolatileMutex();
@@ -59,7 +59,7 @@ bool CRegistryKey::OpenResolved(bool create, bool write, bool keepOnFailure) {
 }
 
 HKEY CRegistryKey::OpenAtSystem(bool create, bool write) {
-    RemoveTrailingBackslashes(m_subKey);
+    kor::RemoveTrailingBackslashes(m_subKey);
     TakePerUserRoot();
     HKEY handle = nullptr;
     LSTATUS result = ERROR_SUCCESS;
@@ -69,7 +69,7 @@ HKEY CRegistryKey::OpenAtSystem(bool create, bool write) {
         // Intended: read access only, whoever writes reopens the key first.
         result = RegCreateKeyExW(m_root, m_subKey.Text(), 0, nullptr, options,
                                  m_extraAccess | KEY_READ, nullptr, &handle, &disposition);
-        m_created = m_created || result == ERROR_SUCCESS;
+        m_isFlushDue = m_isFlushDue || result == ERROR_SUCCESS;
     } else {
         const REGSAM access = write ? KEY_ALL_ACCESS : KEY_READ;
         result = RegOpenKeyExW(m_root, m_subKey.Text(), 0, m_extraAccess | access, &handle);
@@ -96,14 +96,14 @@ void CRegistryKey::TakePerUserRoot() {
 // The predefined root takes its place again, so that the key can still be named and reopened.
 void CRegistryKey::GiveUpPerUserRoot() {
     if (m_ownsRoot) {
-        CloseKeyHandle(m_root);
+        kor::CloseKeyHandle(m_root);
         m_root = HKEY_CURRENT_USER;
         m_ownsRoot = false;
     }
 }
 
 bool CRegistryKey::ReopenForWrite(bool write) {
-    if (!CloseKeyHandle(m_handle)) {
+    if (!kor::CloseKeyHandle(m_handle)) {
         return false;
     }
     m_handle = OpenAtSystem(false, write);
@@ -119,12 +119,12 @@ bool CRegistryKey::ReopenForWrite(bool write) {
 }
 
 bool CRegistryKey::Close(bool handleOnly) {
-    bool closed = CloseKeyHandle(m_handle);
+    bool closed = kor::CloseKeyHandle(m_handle);
     if (handleOnly) {
         return closed;
     }
     if (m_ownsRoot) {
-        closed = CloseKeyHandle(m_root) && closed;
+        closed = kor::CloseKeyHandle(m_root) && closed;
     }
     Reset();
     return closed;
@@ -137,7 +137,7 @@ bool CRegistryKey::CloseIfOpen() {
 void CRegistryKey::Reset() {
     m_root = nullptr;
     m_handle = nullptr;
-    m_created = false;
+    m_isFlushDue = false;
     m_ownsRoot = false;
     m_subKey = L"";
     VolatileClass = 0;
@@ -145,10 +145,10 @@ void CRegistryKey::Reset() {
 }
 
 bool CRegistryKey::Flush() {
-    return FlushKeyHandle(m_handle);
+    return kor::FlushKeyHandle(m_handle);
 }
 
 bool CRegistryKey::FlushCreated() {
-    m_created = false;
+    m_isFlushDue = false;
     return m_handle != nullptr && Flush();
 }

@@ -2,6 +2,7 @@
 #include <cwchar>
 
 #include "registry/CRegistryKey.h"
+#include "registry/RootTables.h"
 #include "registry/StringUtilities.h"
 #include "registry/VolatileClassification.h"
 
@@ -34,40 +35,40 @@ SplitPath SplitAtFirstBackslash(const CKORString& path) {
 
 } // namespace
 
-CKORString ResolvedName(const CKORString& path, bool rtxLayout) {
+CKORString kor::ResolvedName(const CKORString& path, bool rtxLayout) {
     const SplitPath split = SplitAtFirstBackslash(path);
     const wchar_t* const rootName = split.rootName.Text();
     CKORString name;
-    if (const SymbolicRoot* const symbolic = FindSymbolicRoot(rootName)) {
-        const RootLocation& location = symbolic->In(rtxLayout);
-        name = FindRealRoot(HandleOf(location.hive))->name;
+    if (const kor::SymbolicRoot* const symbolic = kor::FindSymbolicRoot(rootName)) {
+        const kor::RootLocation& location = symbolic->In(rtxLayout);
+        name = kor::FindRealRoot(kor::HandleOf(location.hive))->name;
         name += L"\\";
         name += location.prefix;
-    } else if (const RealRoot* const root = FindRealRoot(rootName)) {
+    } else if (const kor::RealRoot* const root = kor::FindRealRoot(rootName)) {
         name = root->name;
         name += L"\\";
     } else {
         return name;
     }
     name += split.rest;
-    RemoveTrailingBackslashes(name);
+    kor::RemoveTrailingBackslashes(name);
     return name;
 }
 
 bool CRegistryKey::Open(const CKORString& path, bool create) {
     const SplitPath split = SplitAtFirstBackslash(path);
     const wchar_t* const rootName = split.rootName.Text();
-    if (const SymbolicRoot* const root = FindSymbolicRoot(rootName)) {
+    if (const kor::SymbolicRoot* const root = kor::FindSymbolicRoot(rootName)) {
         return OpenSymbolic(root->id, split.rest, create);
     }
 
     CloseIfOpen();
     Reset();
-    const RealRoot* const root = FindRealRoot(rootName);
+    const kor::RealRoot* const root = kor::FindRealRoot(rootName);
     if (!PrepareVolatile(split.rest, rootName, SymbolicRootId::None, create) || root == nullptr) {
         return false;
     }
-    m_root = HandleOf(root->hive);
+    m_root = kor::HandleOf(root->hive);
     m_subKey = split.rest;
     return OpenResolved(create, false, false);
 }
@@ -79,9 +80,9 @@ bool CRegistryKey::OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bo
         return false;
     }
     // Without a root the opening below fails.
-    if (const SymbolicRoot* const root = FindSymbolicRoot(id)) {
-        const RootLocation& location = root->In(m_rtxLayout);
-        m_root = HandleOf(location.hive);
+    if (const kor::SymbolicRoot* const root = kor::FindSymbolicRoot(id)) {
+        const kor::RootLocation& location = root->In(m_rtxLayout);
+        m_root = kor::HandleOf(location.hive);
         m_subKey = location.prefix;
     }
     m_subKey += subPath.Text();
@@ -100,9 +101,10 @@ bool CRegistryKey::OpenCurrentUserRuntime(const CKORString& subPath, bool create
 // again after a refusal.
 bool CRegistryKey::PrepareVolatile(const CKORString& subPath, const wchar_t* rootName,
                                    SymbolicRootId id, bool create) {
-    const VolatileKind kind = ClassifyVolatile(subPath, rootName, id, create, m_rtxLayout);
-    if (kind != VolatileKind::Volatile) {
-        return kind != VolatileKind::Refused;
+    const kor::VolatileKind kind =
+        kor::ClassifyVolatile(subPath, rootName, id, create, m_rtxLayout);
+    if (kind != kor::VolatileKind::Volatile) {
+        return kind != kor::VolatileKind::Refused;
     }
     if (VolatileStampGuard) {
         const StampingUnderWay underWay;
@@ -110,12 +112,12 @@ bool CRegistryKey::PrepareVolatile(const CKORString& subPath, const wchar_t* roo
             return false;
         }
     }
-    VolatileClass = VolatileClassOf(id);
+    VolatileClass = kor::VolatileClassOf(id);
     return true;
 }
 
 CKORString CRegistryKey::GetFullName() const {
-    const RealRoot* const root = FindRealRoot(m_ownsRoot ? HKEY_CURRENT_USER : m_root);
+    const kor::RealRoot* const root = kor::FindRealRoot(m_ownsRoot ? HKEY_CURRENT_USER : m_root);
     CKORString name(root != nullptr ? root->name : L"");
     if (m_subKey.Length() > 0) {
         if (name.Length() > 0) {

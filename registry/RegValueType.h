@@ -1,7 +1,5 @@
-// The layer's own value types and the registry types that they stand for.
+// The layer's own value types.
 #pragma once
-
-#include <windows.h>
 
 #include <cstdint>
 
@@ -16,41 +14,3 @@ enum class RegValueType : std::uint32_t {
     ExpandString = 5,
     MultiString = 6,
 };
-
-namespace registry_types {
-
-struct TypePair {
-    RegValueType type;
-    DWORD registryType;
-};
-
-inline constexpr TypePair Pairs[] = {
-    {RegValueType::Dword, REG_DWORD},
-    {RegValueType::String, REG_SZ},
-    {RegValueType::Binary, REG_BINARY},
-    {RegValueType::Qword, REG_QWORD},
-    {RegValueType::ExpandString, REG_EXPAND_SZ},
-    {RegValueType::MultiString, REG_MULTI_SZ},
-};
-
-} // namespace registry_types
-
-constexpr RegValueType FromRegistryType(DWORD registryType) {
-    for (const registry_types::TypePair& pair : registry_types::Pairs) {
-        if (pair.registryType == registryType) {
-            return pair.type;
-        }
-    }
-    return RegValueType::Unknown;
-}
-
-// False for a type that is not written: MultiString, Unknown and every other number.
-constexpr bool ToWritableRegistryType(RegValueType type, DWORD& registryType) {
-    for (const registry_types::TypePair& pair : registry_types::Pairs) {
-        if (pair.type == type && type != RegValueType::MultiString) {
-            registryType = pair.registryType;
-            return true;
-        }
-    }
-    return false;
-}

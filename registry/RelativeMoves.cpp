@@ -74,7 +74,7 @@ bool CRegistryKey::MoveTo(const CKORString& subKey) {
 // The object still knows where it is, so it can be moved on from there.
 void CRegistryKey::LeaveClosed() {
     if (m_handle != nullptr) {
-        CloseKeyHandle(m_handle);
+        kor::CloseKeyHandle(m_handle);
         m_handle = nullptr;
     }
     GiveUpPerUserRoot();

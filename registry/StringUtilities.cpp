@@ -16,6 +16,8 @@ bool AppendPathPiece(CKORString& path, const CKORString& piece) {
     return true;
 }
 
+namespace kor {
+
 CKORString LastCharacters(const CKORString& text, std::int64_t count) {
     const std::int64_t length = text.Length();
     return text.Mid(length - std::clamp<std::int64_t>(count, 0, length));
@@ -60,3 +62,5 @@ void RemoveLeadingBackslashes(CKORString& text) {
         text = text.Mid(leading);
     }
 }
+
+} // namespace kor

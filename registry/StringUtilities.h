@@ -9,6 +9,8 @@
 // does not end in a backslash and the piece does not begin with one. Always true.
 bool AppendPathPiece(CKORString& path, const CKORString& piece);
 
+namespace kor {
+
 // The last characters of the text; the whole text when it has no more than that many.
 CKORString LastCharacters(const CKORString& text, std::int64_t count);
 
@@ -22,3 +24,5 @@ bool EqualIgnoringCase(const wchar_t* left, const wchar_t* right);
 
 void RemoveTrailingBackslashes(CKORString& text);
 void RemoveLeadingBackslashes(CKORString& text);
+
+} // namespace kor

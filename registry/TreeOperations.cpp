@@ -12,7 +12,7 @@ bool CRegistryKey::CreateSubKey(const CKORString& name) {
         return false;
     }
     CKORString subKeyName(name);
-    RemoveTrailingBackslashes(subKeyName);
+    kor::RemoveTrailingBackslashes(subKeyName);
     if (!ReopenForWrite(true)) {
         return false;
     }
@@ -22,8 +22,8 @@ bool CRegistryKey::CreateSubKey(const CKORString& name) {
         RegCreateKeyExW(m_handle, subKeyName.Text(), 0, nullptr, options, m_extraAccess | KEY_READ,
                         nullptr, &subKey, nullptr) == ERROR_SUCCESS;
     if (created) {
-        m_created = true;
-        CloseKeyHandle(subKey);
+        m_isFlushDue = true;
+        kor::CloseKeyHandle(subKey);
     }
     return ReopenForWrite(false) && created;
 }
@@ -61,7 +61,7 @@ bool CRegistryKey::DeleteTree(const CKORString& path) {
     if (m_root == nullptr) {
         m_root = root;
         VolatileClass = volatileClass;
-        m_created = true;
+        m_isFlushDue = true;
     }
     // A refused way back leaves the object closed, but the subkey is empty.
     ReturnTo(start);
@@ -104,7 +104,7 @@ bool CRegistryKey::DeleteAllValues() {
 
 bool CRegistryKey::DeleteEmptySubKey(const CKORString& name) {
     const bool deleted = RegDeleteKeyExW(m_handle, name.Text(), m_extraAccess, 0) == ERROR_SUCCESS;
-    m_created = m_created || deleted;
+    m_isFlushDue = m_isFlushDue || deleted;
     return deleted;
 }
 

@@ -7,6 +7,7 @@
 
 #include "registry/CRegistryKey.h"
 #include "registry/KeyHandles.h"
+#include "registry/RegistryTypes.h"
 
 namespace {
 
@@ -63,7 +64,7 @@ CKORString BracketedItems(std::wstring_view items) {
 } // namespace
 
 bool CRegistryKey::ValueExists(const CKORString& name) const {
-    return m_handle != nullptr && ::ValueExists(m_handle, name);
+    return m_handle != nullptr && kor::ValueExists(m_handle, name);
 }
 
 bool CRegistryKey::QueryValue(const CKORString& name, RegValueType requestedType) {
@@ -93,7 +94,7 @@ bool CRegistryKey::QueryValue(const CKORString& name, RegValueType requestedType
     if (result != ERROR_SUCCESS) {
         return false;
     }
-    type = FromRegistryType(registryType);
+    type = kor::FromRegistryType(registryType);
     return type != RegValueType::Unknown && type == requestedType;
 }
 
@@ -210,7 +211,7 @@ bool CRegistryKey::GetValueType(HKEY handle, const CKORString& name, RegValueTyp
         ERROR_SUCCESS) {
         return false;
     }
-    type = FromRegistryType(registryType);
+    type = kor::FromRegistryType(registryType);
     return type != RegValueType::Unknown;
 }
 
@@ -232,20 +233,6 @@ bool CRegistryKey::QueryValueTraced(HKEY handle, const CKORString& name, RegValu
     if (result != ERROR_SUCCESS) {
         return false;
     }
-    type = FromRegistryType(registryType);
+    type = kor::FromRegistryType(registryType);
     return type != RegValueType::Unknown;
-}
-
-std::uint32_t CRegistryKey::GetSubKeyCount() const {
-    std::uint64_t count = 0;
-    return m_handle != nullptr && ::GetSubKeyCount(m_handle, count)
-               ? static_cast<std::uint32_t>(count)
-               : 0;
-}
-
-std::uint32_t CRegistryKey::GetValueCount() const {
-    std::uint64_t count = 0;
-    return m_handle != nullptr && ::GetValueCount(m_handle, count)
-               ? static_cast<std::uint32_t>(count)
-               : 0;
 }

@@ -4,8 +4,10 @@
 #include <cwctype>
 #include <string_view>
 
+#include "registry/RootTables.h"
 #include "registry/StringUtilities.h"
 
+namespace kor {
 namespace {
 
 constexpr std::wstring_view VolatileWord = L"volatile";
@@ -115,3 +117,5 @@ VolatileKind ClassifyVolatile(const CKORString& subPath, const wchar_t* rootName
     }
     return create ? VolatileKind::Refused : VolatileKind::OrdinaryReadOnly;
 }
+
+} // namespace kor

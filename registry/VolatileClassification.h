@@ -6,6 +6,8 @@
 #include "base/CKORString.h"
 #include "registry/SymbolicRoots.h"
 
+namespace kor {
+
 enum class VolatileKind {
     Refused = -1,         // the path names "volatile" where no volatile location is
     Ordinary = 0,         // the path does not name "volatile"
@@ -17,3 +19,5 @@ enum class VolatileKind {
 // and a volatile location that the path reaches that way changes id to its symbolic root.
 VolatileKind ClassifyVolatile(const CKORString& subPath, const wchar_t* rootName,
                               SymbolicRootId& id, bool create, bool rtxLayout);
+
+} // namespace kor

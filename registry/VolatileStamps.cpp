@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "registry/CRegistryKey.h"
+#include "registry/RootTables.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ CRegistryKey::StampResult CRegistryKey::StampVolatileRoot(const CKORString& crea
         if (StampCompanion != nullptr) {
             // Intended: the view goes with the companion, the layout is the process's.
             StampCompanion->m_extraAccess = m_extraAccess;
-            StampCompanion->OpenSymbolic(VolatileKeyRootOf(id), VolatileKey, true);
+            StampCompanion->OpenSymbolic(kor::VolatileKeyRootOf(id), VolatileKey, true);
         }
     }
     // Without creation, a companion that an earlier stamping left open gets the stamps.
@@ -56,7 +57,7 @@ CRegistryKey::StampResult CRegistryKey::StampVolatileRoot(const CKORString& crea
     StampCompanion->WriteDword(CreationTimeValue, now);
     StampCompanion->WriteString(ProcessNameValue, processName);
     StampCompanion->WriteString(PathCreatorValue, creatorPath);
-    PendingStampClass = static_cast<std::uint32_t>(VolatileClassOf(id));
+    PendingStampClass = static_cast<std::uint32_t>(kor::VolatileClassOf(id));
     return StampResult::Ready;
 }
 

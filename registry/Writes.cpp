@@ -1,6 +1,7 @@
 // Writing and deleting values. Each write goes through one protocol: the root must be writable, the
 // key is reopened with full access for just the one call, and it is left open for reading.
 #include "registry/CRegistryKey.h"
+#include "registry/RegistryTypes.h"
 
 namespace {
 
@@ -77,14 +78,14 @@ bool CRegistryKey::WriteBinary(const CKORString& name, const void* data, std::ui
 bool CRegistryKey::WriteValue(const CKORString& name, RegValueType type, const void* data,
                               std::uint64_t size) {
     DWORD registryType = REG_NONE;
-    const bool isPossible = ToWritableRegistryType(type, registryType) && size <= MAXDWORD;
+    const bool isPossible = kor::ToWritableRegistryType(type, registryType) && size <= MAXDWORD;
     if (!isPossible || m_handle == nullptr || !IsWritableRoot() || !ReopenForWrite(true)) {
         return false;
     }
     const bool written =
         RegSetValueExW(m_handle, name.Text(), 0, registryType, static_cast<const BYTE*>(data),
                        static_cast<DWORD>(size)) == ERROR_SUCCESS;
-    m_created = m_created || written;
+    m_isFlushDue = m_isFlushDue || written;
     if (!ReopenForWrite(false) || !written) {
         return false;
     }
@@ -98,6 +99,6 @@ bool CRegistryKey::DeleteValue(const CKORString& name) {
         return false;
     }
     const bool deleted = RegDeleteValueW(m_handle, name.Text()) == ERROR_SUCCESS;
-    m_created = m_created || deleted;
+    m_isFlushDue = m_isFlushDue || deleted;
     return ReopenForWrite(false) && deleted;
 }

@@ -5,6 +5,8 @@
 #include "registry/CRegistryKey.h"
 #include "tests/support/TestInstallation.h"
 
+using namespace kor;
+
 namespace {
 
 struct NameCase {

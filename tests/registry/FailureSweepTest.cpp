@@ -10,6 +10,8 @@
 #include "tests/registry/RegistryCalls.h"
 #include "tests/support/GuardedMemory.h"
 
+using namespace kor;
+
 namespace {
 
 using test::TestSubKey;

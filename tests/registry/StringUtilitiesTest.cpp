@@ -9,6 +9,8 @@
 #include "tests/support/ImportHook.h"
 #include "tests/support/Printing.h"
 
+using namespace kor;
+
 namespace {
 
 struct JoinRow {

@@ -1,8 +1,10 @@
-#include "registry/SymbolicRoots.h"
+#include "registry/RootTables.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+
+using namespace kor;
 
 namespace {
 

@@ -3,6 +3,8 @@
 #include "tests/registry/RegistryCalls.h"
 #include "tests/support/GuardedMemory.h"
 
+using namespace kor;
+
 namespace {
 
 using test::MachineKey;

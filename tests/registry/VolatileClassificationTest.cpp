@@ -4,6 +4,8 @@
 
 #include <string>
 
+using namespace kor;
+
 namespace {
 
 struct Row {

@@ -1,10 +1,12 @@
-#include "registry/SymbolicRoots.h"
+// The tables of roots, and the searches in them.
+#include "registry/RootTables.h"
 
 #include <algorithm>
 #include <iterator>
 
 #include "registry/StringUtilities.h"
 
+namespace kor {
 namespace {
 
 using Id = SymbolicRootId;
@@ -119,3 +121,5 @@ SymbolicRootId VolatileKeyRootOf(SymbolicRootId id) {
     const SymbolicRoot* const root = FindSymbolicRoot(id);
     return root != nullptr ? root->volatileKeyIn : SymbolicRootId::None;
 }
+
+} // namespace kor

@@ -1,0 +1,44 @@
+// The registry types that the layer's value types stand for. Not installed.
+#pragma once
+
+#include <windows.h>
+
+#include "registry/RegValueType.h"
+
+namespace kor {
+
+struct TypePair {
+    RegValueType type;
+    DWORD registryType;
+};
+
+inline constexpr TypePair TypePairs[] = {
+    {RegValueType::Dword, REG_DWORD},
+    {RegValueType::String, REG_SZ},
+    {RegValueType::Binary, REG_BINARY},
+    {RegValueType::Qword, REG_QWORD},
+    {RegValueType::ExpandString, REG_EXPAND_SZ},
+    {RegValueType::MultiString, REG_MULTI_SZ},
+};
+
+constexpr RegValueType FromRegistryType(DWORD registryType) {
+    for (const TypePair& pair : TypePairs) {
+        if (pair.registryType == registryType) {
+            return pair.type;
+        }
+    }
+    return RegValueType::Unknown;
+}
+
+// False for a type that is not written: MultiString, Unknown and every other number.
+constexpr bool ToWritableRegistryType(RegValueType type, DWORD& registryType) {
+    for (const TypePair& pair : TypePairs) {
+        if (pair.type == type && type != RegValueType::MultiString) {
+            registryType = pair.registryType;
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace kor

@@ -1,6 +1,7 @@
 // The place in a window where the browser control lives.
 #include "mfc/BrowserSite.h"
 
+#include "mfc/AnswerSystem.h"
 #include "mfc/EventSink.h"
 #include "mfc/NoDropTarget.h"
 #include "mfc/afxdhtml.h"

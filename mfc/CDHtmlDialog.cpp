@@ -3,6 +3,7 @@
 
 #include <comdef.h>
 
+#include "mfc/AnswerSystem.h"
 #include "mfc/BrowserSite.h"
 #include "mfc/EventSink.h"
 #include "mfc/ResourceAddress.h"

@@ -1,6 +1,7 @@
 // Receives the events of a COM object, such as the browser control or its document.
 #include "mfc/EventSink.h"
 
+#include "mfc/AnswerSystem.h"
 #include "mfc/afxdhtml.h"
 
 HRESULT EventSink::Connect(IUnknown* source) {

@@ -3,26 +3,12 @@
 
 #include <windows.h>
 
-#include <comdef.h>
 #include <ocidl.h>
 
 #include "mfc/ComObject.h"
 #include "mfc/atlcomcli.h"
 
 class CDHtmlDialog;
-
-// Runs what COM or the window manager called. An exception must not unwind through the caller,
-// which may not even be C++: it is turned into the error that it stands for.
-template <typename Function>
-HRESULT AnswerSystem(const Function& function) noexcept {
-    try {
-        return function();
-    } catch (const _com_error& error) {
-        return error.Error();
-    } catch (...) {
-        return E_UNEXPECTED;
-    }
-}
 
 // Connected to one outgoing dispatch interface at a time; events that come while it is not are
 // passed over. The dialog must live until Disconnect.

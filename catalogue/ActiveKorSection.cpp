@@ -1,7 +1,3 @@
-#include <windows.h>
-
-#include <shlwapi.h>
-
 #include "catalogue/ItemTable.h"
 #include "catalogue/SectionBuilders.h"
 
@@ -34,7 +30,7 @@ constexpr ItemRow<I> Items[] = {
 
 void BuildActiveKorSection(Catalogue& catalogue, const Installation& installation) {
     const CKORString control = installation.InstallDir + L"ActiveKOR/Controls/kor.ocx";
-    if (PathFileExistsW(control.Text()) != FALSE) {
+    if (kor::PathExists(control.Text())) {
         AddItems(catalogue, AddSection(catalogue, L"ACTIVEKOR", Title), Items, installation);
     } else {
         catalogue.Omissions.Add({Title, L"", L"the control file does not exist", Looked::AtFile,

@@ -3,6 +3,7 @@
 #include <cwchar>
 
 #include "catalogue/SectionBuilders.h"
+#include "registry/StringUtilities.h"
 
 namespace {
 
@@ -72,7 +73,7 @@ const ControlCenterItem* Catalogue::FindItem(const CKORString& id) const {
     }
     const CKORString key = id.Left(separator);
     for (const ControlCenterSection* const section : *this) {
-        if (_wcsicmp(section->Key.Text(), key.Text()) == 0 && section->Count() > index &&
+        if (kor::EqualIgnoringCase(section->Key.Text(), key.Text()) && section->Count() > index &&
             (*section)[index] != nullptr) {
             return (*section)[index];
         }

@@ -1,13 +1,10 @@
 #include "catalogue/ControlCenterItem.h"
 
-#include <windows.h>
-
-#include <shlwapi.h>
-
 #include <algorithm>
 #include <cwchar>
 
 #include "catalogue/ControlCenterSection.h"
+#include "env/PathTests.h"
 
 std::int64_t LongestLabelLength = 0;
 
@@ -30,5 +27,5 @@ ControlCenterItem::ControlCenterItem(const ControlCenterSection* section, const 
 }
 
 bool ControlCenterItem::IsShown() const {
-    return PathFileExistsW(Path.Text()) != FALSE;
+    return kor::PathExists(Path.Text());
 }

@@ -1,7 +1,3 @@
-#include <windows.h>
-
-#include <shlwapi.h>
-
 #include "catalogue/ItemTable.h"
 #include "catalogue/SectionBuilders.h"
 
@@ -26,7 +22,7 @@ void BuildFlowForgeSection(Catalogue& catalogue, const Installation& installatio
     // Without a folder the program's name would be looked up in the current one.
     const CKORString& folder = installation.FlowForgeInstallDir;
     const CKORString program = folder.Length() > 0 ? folder + L"FlowForge.exe" : CKORString();
-    if (program.Length() > 0 && PathFileExistsW(program.Text()) != FALSE) {
+    if (program.Length() > 0 && kor::PathExists(program.Text())) {
         AddItems(catalogue, AddSection(catalogue, L"FLOWFORGE", Title), Items, installation);
     } else {
         catalogue.Omissions.Add({Title, L"", L"the program does not exist", Looked::AtFile, program,

@@ -1,7 +1,3 @@
-#include <windows.h>
-
-#include <shlwapi.h>
-
 #include <cstdlib>
 #include <cwchar>
 
@@ -29,7 +25,7 @@ struct Version {
 };
 
 bool IsVersion21(const CKORString& name) {
-    return _wcsicmp(name.Text(), L"2.1") == 0;
+    return kor::EqualIgnoringCase(name.Text(), L"2.1");
 }
 
 bool IsNotVersion21(const CKORString& name) {
@@ -63,10 +59,6 @@ constexpr ItemRow<V> ProductItems[] = {
 constexpr ItemRow<V> RuntimeManagerItem[] = {
     {L"Flow Forge Runtime Manager", &V::RuntimeManagerPath, L"", ItemProgram},
 };
-
-bool Exists(const CKORString& path) {
-    return PathFileExistsW(path.Text()) != FALSE;
-}
 
 // Down into a listed subkey and back up. A subkey that cannot be opened is not noticed: the key is
 // closed then, so no value is found in it, and the way up leads one level higher, where the rest of
@@ -108,7 +100,7 @@ CKORString FindRuntimeManager(CRegistryKey& key, const CTable1D<CKORString>& nam
         CKORString path;
         key.ReadString(InstallationPathValue, path);
         path += L"/Tools/FlowForgeRuntimeManager.exe";
-        if (Exists(path)) {
+        if (kor::PathExists(path.Text())) {
             manager = path;
             bestMajor = major;
             bestMinor = minor;
@@ -146,7 +138,8 @@ CKORString TitleOf(const CKORString& versionName, bool is32Bit) {
 void AddVersionSection(Catalogue& catalogue, const Version& version, bool is32Bit) {
     const CKORString title = TitleOf(version.Name, is32Bit);
     const CKORString program = version.InstallFolder + L"FlowForge.exe";
-    if (!Exists(program) && !Exists(version.InstallFolder + L"/Tools")) {
+    if (!kor::PathExists(program.Text()) &&
+        !kor::PathExists((version.InstallFolder + L"/Tools").Text())) {
         catalogue.Omissions.Add({title, L"", L"neither FlowForge.exe nor a Tools folder exists",
                                  Looked::AtFile, program, nullptr});
         return;
@@ -154,7 +147,7 @@ void AddVersionSection(Catalogue& catalogue, const Version& version, bool is32Bi
     // The key does not tell the views apart, so a click on a version that both list finds the
     // 64-bit section: intended.
     ControlCenterSection& section = AddSection(catalogue, L"FLOWFORGE-" + version.Name, title);
-    if (Exists(program)) {
+    if (kor::PathExists(program.Text())) {
         AddItems(catalogue, section, ProductItems, version);
     }
     AddItems(catalogue, section, RuntimeManagerItem, version);

@@ -2,27 +2,22 @@
 
 #include <windows.h>
 
-#include <shlwapi.h>
-
 #include <string>
 
 #include "env/PathTests.h"
+#include "registry/StringUtilities.h"
 
 namespace {
 
-bool IsSeparator(wchar_t c) {
-    return c == L'\\' || c == L'/';
-}
-
 std::size_t EndOfName(const std::wstring& path, std::size_t start) {
-    while (start < path.size() && !IsSeparator(path[start])) {
+    while (start < path.size() && !kor::IsPathSeparator(path[start])) {
         ++start;
     }
     return start;
 }
 
 std::size_t EndOfSeparators(const std::wstring& path, std::size_t start) {
-    while (start < path.size() && IsSeparator(path[start])) {
+    while (start < path.size() && kor::IsPathSeparator(path[start])) {
         ++start;
     }
     return start;
@@ -41,10 +36,6 @@ std::size_t EndOfRoot(const std::wstring& path) {
     return separators;
 }
 
-bool Exists(const std::wstring& path) {
-    return PathFileExistsW(path.c_str()) != FALSE;
-}
-
 CKORString Sentence(const wchar_t* kind, const std::wstring& path) {
     if (path.size() >= MAX_PATH) {
         return CKORString::Format(L"the path is too long: %d characters up to here: %s",
@@ -57,11 +48,11 @@ CKORString Sentence(const wchar_t* kind, const std::wstring& path) {
 
 CKORString WhatIsMissingOf(const CKORString& path, bool isFolder) {
     const std::wstring whole(path.Text());
-    if (Exists(whole)) {
+    if (kor::PathExists(whole.c_str())) {
         return L"";
     }
     std::size_t end = EndOfRoot(whole);
-    if (end > 1 && !Exists(whole.substr(0, end))) {
+    if (end > 1 && !kor::PathExists(whole.substr(0, end).c_str())) {
         return Sentence(L"drive", whole.substr(0, end));
     }
     while (end < whole.size()) {
@@ -69,7 +60,7 @@ CKORString WhatIsMissingOf(const CKORString& path, bool isFolder) {
         const std::size_t next = EndOfSeparators(whole, end);
         const std::wstring part = whole.substr(0, end);
         const bool isLast = next == whole.size();
-        if (!Exists(part)) {
+        if (!kor::PathExists(part.c_str())) {
             return Sentence(isLast && !isFolder ? L"file" : L"folder", part);
         }
         if (!isLast && IsExistingFile(part.c_str())) {

@@ -5,12 +5,9 @@
 
 #include "diag/ValueTypes.h"
 #include "registry/CRegistryKey.h"
+#include "registry/StringUtilities.h"
 
 namespace {
-
-bool IsSeparator(wchar_t c) {
-    return c == L'\\' || c == L'/';
-}
 
 CKORString KeyPath(const AskedQuery& query) {
     return query.Product != nullptr ? ExamplesRootKey(query.Product) : CKORString(query.Query->Key);
@@ -75,8 +72,9 @@ BaseFault FaultOf(const CKORString& path, PathBase base, const Installation& ins
     if (text.Length() <= emptyLength) {
         return {true, CKORString(L"the ") + query.Name + L" is empty: " + WhatIsThere(query)};
     }
-    const bool isTornOff = !IsSeparator(text[text.Length() - 1]) && path.Length() > text.Length() &&
-                           !IsSeparator(path[text.Length()]);
+    const bool isTornOff = !kor::IsPathSeparator(text[text.Length() - 1]) &&
+                           path.Length() > text.Length() &&
+                           !kor::IsPathSeparator(path[text.Length()]);
     if (isTornOff) {
         return {false, CKORString(L"the ") + query.Name + L" does not end in a backslash: " +
                            WhatIsThere(query)};

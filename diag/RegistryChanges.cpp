@@ -171,7 +171,7 @@ void WarnOfRefusedCopies(const Arguments& arguments, Streams& streams) {
 std::wstring StoredName(const CRegistryKey& key, const std::wstring& name) {
     std::wstring stored(name);
     key.VisitSubKeyNames([&](const wchar_t* subKey) {
-        const bool isIt = _wcsicmp(subKey, name.c_str()) == 0;
+        const bool isIt = kor::EqualIgnoringCase(subKey, name.c_str());
         if (isIt) {
             stored = subKey;
         }
@@ -189,8 +189,8 @@ CKORString ExclusionOf(const CRegistryKey& source, const CKORString& destination
     const bool isInside = to.size() > from.size() && to[from.size()] == L'\\' &&
                           _wcsnicmp(to.c_str(), from.c_str(), from.size()) == 0;
     if (!isInside) {
-        return _wcsicmp(to.c_str(), from.c_str()) == 0 ? CKORString(from.c_str())
-                                                       : CKORString(L"\\");
+        return kor::EqualIgnoringCase(to.c_str(), from.c_str()) ? CKORString(from.c_str())
+                                                                : CKORString(L"\\");
     }
     std::wstring exclusion(from);
     for (std::size_t start = from.size() + 1; start <= to.size();) {

@@ -25,14 +25,6 @@ constexpr DebugRoot RootsInOrder[] = {
     {SymbolicRootId::CurrentUserRuntime, SettingSource::DebugUser},
     {SymbolicRootId::LocalMachineRuntime, SettingSource::DebugMachine}};
 
-using Steps = CTable1D<SettingStep>;
-
-void Note(Steps* steps, const SettingStep& step) {
-    if (steps != nullptr) {
-        steps->Add(step);
-    }
-}
-
 // What is asked before and after the environment variable of the name; null where there is nothing.
 struct SourceChain {
     const wchar_t* name;
@@ -50,8 +42,9 @@ constexpr SourceChain VariableAlone = {nullptr, nullptr, nullptr, nullptr};
 
 const SourceChain& ChainOf(const wchar_t* name) {
     const auto* const found =
-        std::find_if(std::begin(Chains), std::end(Chains),
-                     [&](const SourceChain& chain) { return _wcsicmp(chain.name, name) == 0; });
+        std::find_if(std::begin(Chains), std::end(Chains), [&](const SourceChain& chain) {
+            return kor::EqualIgnoringCase(chain.name, name);
+        });
     return found != std::end(Chains) ? *found : VariableAlone;
 }
 
@@ -95,59 +88,76 @@ bool ReadValue(CRegistryKey& key, const CKORString& name, CKORString& result, bo
     return true;
 }
 
-bool ReadDebugSetting(const wchar_t* name, CKORString& result, bool asNumber, Steps* steps) {
-    CKORString keyPath(DebugSettingsKey);
-    const wchar_t* valueName = name;
-    if (const wchar_t* const separator = std::wcsrchr(name, L'\\'); separator != nullptr) {
-        valueName = separator + 1;
-        if (separator != name) {
-            AppendPathPiece(keyPath, CKORString(name).Left(separator - name));
-        }
-    }
-    return std::any_of(
-        std::begin(RootsInOrder), std::end(RootsInOrder), [&](const DebugRoot& root) {
-            CRegistryKey key;
-            const bool isRead = key.OpenSymbolic(root.id, keyPath, false) &&
-                                key.ValueExists(valueName) &&
-                                ReadValue(key, valueName, result, asNumber);
-            Note(steps, {root.source, name, isRead, isRead ? result : CKORString(), isRead});
-            return isRead;
-        });
-}
+// Looks for a setting, and records the sources that it asks if somebody wants to know them.
+class SettingSearch {
+public:
+    explicit SettingSearch(CTable1D<SettingStep>* steps) : m_steps(steps) {}
 
-bool ReadFolderSetting(const wchar_t* setting, CKORString& result, Steps* steps) {
-    CKORString folder;
-    if (!ReadDebugSetting(setting, folder, false, steps)) {
-        return false;
+    // Goes through the sources of the chain.
+    bool FindSetting(const wchar_t* name, CKORString& result) {
+        const SourceChain& chain = ChainOf(name);
+        return (chain.folderSetting != nullptr && FindFolder(chain.folderSetting, result)) ||
+               (chain.preferredVariable != nullptr &&
+                FindSetting(chain.preferredVariable, result)) ||
+               FindVariable(name, result) ||
+               (chain.lastResort != nullptr && FindSetting(chain.lastResort, result));
     }
-    if (!IsExistingDirectory(folder.Text())) {
-        if (steps != nullptr) {
-            (*steps)[steps->Count() - 1].IsAnswer = false;
-        }
-        return false;
-    }
-    result = folder;
-    return true;
-}
 
-bool ReadVariable(const wchar_t* name, CKORString& result, Steps* steps) {
-    const bool isSet = ReadVariable(name, result);
-    Note(steps, {SettingSource::Environment, name, isSet, isSet ? result : CKORString(), isSet});
-    return isSet;
-}
+    bool FindDebugSetting(const wchar_t* name, CKORString& result, bool asNumber) {
+        CKORString keyPath(DebugSettingsKey);
+        const wchar_t* valueName = name;
+        if (const wchar_t* const separator = std::wcsrchr(name, L'\\'); separator != nullptr) {
+            valueName = separator + 1;
+            if (separator != name) {
+                AppendPathPiece(keyPath, CKORString(name).Left(separator - name));
+            }
+        }
+        return std::any_of(std::begin(RootsInOrder), std::end(RootsInOrder),
+                           [&](const DebugRoot& root) {
+                               CRegistryKey key;
+                               const bool isRead = key.OpenSymbolic(root.id, keyPath, false) &&
+                                                   key.ValueExists(valueName) &&
+                                                   ReadValue(key, valueName, result, asNumber);
+                               return Note(root.source, name, isRead, result);
+                           });
+    }
+
+private:
+    bool FindFolder(const wchar_t* setting, CKORString& result) {
+        CKORString folder;
+        if (!FindDebugSetting(setting, folder, false)) {
+            return false;
+        }
+        if (!IsExistingDirectory(folder.Text())) {
+            if (m_steps != nullptr) {
+                (*m_steps)[m_steps->Count() - 1].IsAnswer = false;
+            }
+            return false;
+        }
+        result = folder;
+        return true;
+    }
+
+    bool FindVariable(const wchar_t* name, CKORString& result) {
+        return Note(SettingSource::Environment, name, ReadVariable(name, result), result);
+    }
+
+    // Gives back whether the source had an answer.
+    bool Note(SettingSource source, const wchar_t* name, bool isFound, const CKORString& value) {
+        if (m_steps != nullptr) {
+            m_steps->Add({source, name, isFound, isFound ? value : CKORString(), isFound});
+        }
+        return isFound;
+    }
+
+    CTable1D<SettingStep>* m_steps;
+};
 
 } // namespace
 
 bool QueryEnvironmentSetting(const wchar_t* name, CKORString& result,
                              CTable1D<SettingStep>* steps) {
-    const SourceChain& chain = ChainOf(name);
-    return (chain.folderSetting != nullptr &&
-            ReadFolderSetting(chain.folderSetting, result, steps)) ||
-           (chain.preferredVariable != nullptr &&
-            QueryEnvironmentSetting(chain.preferredVariable, result, steps)) ||
-           ReadVariable(name, result, steps) ||
-           (chain.lastResort != nullptr &&
-            QueryEnvironmentSetting(chain.lastResort, result, steps));
+    return SettingSearch(steps).FindSetting(name, result);
 }
 
 bool QueryEnvironmentSetting(const wchar_t* name, CKORString& result) {
@@ -155,5 +165,5 @@ bool QueryEnvironmentSetting(const wchar_t* name, CKORString& result) {
 }
 
 bool ReadDebugSetting(const wchar_t* name, CKORString& result, bool asNumber) {
-    return ReadDebugSetting(name, result, asNumber, nullptr);
+    return SettingSearch(nullptr).FindDebugSetting(name, result, asNumber);
 }

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <shlwapi.h>
+
 #include <algorithm>
 #include <cwchar>
 #include <iterator>
@@ -18,6 +20,10 @@ DWORD AttributesOf(const wchar_t* path) {
 }
 
 } // namespace
+
+bool kor::PathExists(const wchar_t* path) {
+    return PathFileExistsW(path) != FALSE;
+}
 
 bool IsExistingDirectory(const wchar_t* path) {
     const DWORD attributes = AttributesOf(path);

@@ -2,6 +2,13 @@
 // null or empty text, which is no path and no URL; the file system is not touched for it.
 #pragma once
 
+namespace kor {
+
+// Whether there is something of that path, as the shell sees it.
+bool PathExists(const wchar_t* path);
+
+} // namespace kor
+
 // Whether the path exists and is a directory. False with the thread's last error set when it cannot
 // be examined.
 bool IsExistingDirectory(const wchar_t* path);

@@ -1,8 +1,7 @@
 #include "page/InstallationQueries.h"
 
-#include <cwchar>
-
 #include "registry/CRegistryKey.h"
+#include "registry/StringUtilities.h"
 
 namespace {
 
@@ -60,7 +59,7 @@ CKORString QueryExamplesRoot(const CKORString& product) {
 
 bool IsDevelopmentInstallation() {
     const Answer answer = AskByOpening(DevelopmentQuery);
-    return _wcsicmp(answer.Text.Text(), L"Development") == 0;
+    return kor::EqualIgnoringCase(answer.Text.Text(), L"Development");
 }
 
 bool IsValidInstallation() {

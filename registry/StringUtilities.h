@@ -20,6 +20,11 @@ void ChangeLength(CKORString& text, std::int64_t length, wchar_t pad);
 // Whether the piece occurs in the text, compared with case.
 bool ContainsText(const CKORString& text, const wchar_t* piece);
 
+constexpr bool IsPathSeparator(wchar_t c) {
+    return c == L'\\' || c == L'/';
+}
+
+// By the C runtime's rules, which fold A to Z only.
 bool EqualIgnoringCase(const wchar_t* left, const wchar_t* right);
 
 void RemoveTrailingBackslashes(CKORString& text);

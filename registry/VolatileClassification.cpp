@@ -34,10 +34,6 @@ void RemoveOuterBackslashes(CKORString& text) {
     RemoveLeadingBackslashes(text);
 }
 
-bool IsSeparator(wchar_t c) {
-    return c == L'\\' || c == L'/';
-}
-
 bool BeginsWith(const CKORString& text, std::wstring_view start) {
     return std::wcsncmp(text.Text(), start.data(), start.size()) == 0;
 }
@@ -56,7 +52,7 @@ bool LiesIn(const CKORString& path, const CKORString& location) {
         return true;
     }
     const std::wstring_view start(location.Text(), static_cast<std::size_t>(location.Length()));
-    return BeginsWith(path, start) && IsSeparator(path[location.Length()]);
+    return BeginsWith(path, start) && IsPathSeparator(path[location.Length()]);
 }
 
 template <std::size_t Size>
@@ -89,7 +85,7 @@ bool IsVolatileBelowSymbolicRoot(const CKORString& subPath, const CKORString& st
         return true;
     }
     const auto end = static_cast<std::int64_t>(VolatileWord.size());
-    return BeginsWith(stripped, VolatileWord) && IsSeparator(subPath[end]);
+    return BeginsWith(stripped, VolatileWord) && IsPathSeparator(subPath[end]);
 }
 
 } // namespace

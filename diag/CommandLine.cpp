@@ -45,9 +45,9 @@ constexpr Command Commands[] = {
 };
 
 struct OptionWord {
-    const wchar_t* word;
-    const wchar_t* value; // what follows the word
-    Option option;
+    const wchar_t* Word;
+    const wchar_t* Value; // what follows the word
+    Option Flag;
 };
 
 // In the order of the usage.
@@ -76,8 +76,8 @@ std::wstring UsageOf(const Command& command, unsigned options) {
     std::wstring usage(command.Operands[0] != L'\0' ? L" " : L"");
     usage += command.Operands;
     for (const OptionWord& row : OptionWords) {
-        if ((options & row.option) != 0) {
-            usage += std::wstring(L" [") + row.word + row.value + L"]";
+        if ((options & row.Flag) != 0) {
+            usage += std::wstring(L" [") + row.Word + row.Value + L"]";
         }
     }
     return (options & OptionCommand) != 0 ? usage + L" -- COMMAND..." : usage;
@@ -155,12 +155,12 @@ private:
     bool TakeOption(Words::const_iterator& word, Words::const_iterator end, Arguments& arguments) {
         const auto* const known =
             std::find_if(std::begin(OptionWords), std::end(OptionWords),
-                         [&](const OptionWord& row) { return *word == row.word; });
-        if (known == std::end(OptionWords) || (m_command.Options & known->option) == 0) {
+                         [&](const OptionWord& row) { return *word == row.Word; });
+        if (known == std::end(OptionWords) || (m_command.Options & known->Flag) == 0) {
             return Refuse(L"unknown option: ", *word);
         }
-        arguments.Options |= known->option;
-        if (known->option != OptionDpi) {
+        arguments.Options |= known->Flag;
+        if (known->Flag != OptionDpi) {
             return true;
         }
         if (word + 1 == end || !ParseDpi(*(word + 1), arguments.Dpi)) {

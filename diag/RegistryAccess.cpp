@@ -83,7 +83,7 @@ bool IsRefusedAsVolatile(const CKORString& path, bool create) {
     const CKORString rootName =
         separator != nullptr ? path.Left(separator - path.Text()) : CKORString(path);
     const kor::SymbolicRoot* const root = kor::FindSymbolicRoot(rootName.Text());
-    SymbolicRootId id = root != nullptr ? root->id : SymbolicRootId::None;
+    SymbolicRootId id = root != nullptr ? root->Id : SymbolicRootId::None;
     const CKORString rest(separator != nullptr ? separator + 1 : L"");
     return kor::ClassifyVolatile(rest, rootName.Text(), id, create, CRegistryKey::RtxMode()) ==
            kor::VolatileKind::Refused;

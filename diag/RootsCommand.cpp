@@ -23,7 +23,7 @@ private:
 bool Exists(const kor::SymbolicRoot& root, bool rtxLayout) {
     const LayoutInForce layout(rtxLayout);
     CRegistryKey key;
-    return key.OpenSymbolic(root.id, L"", false);
+    return key.OpenSymbolic(root.Id, L"", false);
 }
 
 // Calls the function with each root, its hive's name and its key without the last backslash.
@@ -33,8 +33,8 @@ void ForEachRoot(bool rtxLayout, Function function) {
     while (const kor::SymbolicRoot* const root =
                kor::FindSymbolicRoot(static_cast<SymbolicRootId>(id))) {
         const kor::RootLocation& location = root->In(rtxLayout);
-        const std::wstring_view prefix(location.prefix);
-        function(id, *root, kor::FindRealRoot(kor::HandleOf(location.hive))->name,
+        const std::wstring_view prefix(location.Prefix);
+        function(id, *root, kor::FindRealRoot(kor::HandleOf(location.Hive))->Name,
                  prefix.substr(0, prefix.size() - 1));
         ++id;
     }
@@ -54,15 +54,15 @@ void WriteRoots(JsonWriter& json, bool rtxLayout) {
         json.BeginObject();
         json.Key(L"id").Number(std::int64_t{id});
         json.Key(L"name");
-        if (root.name != nullptr) {
-            json.Text(std::wstring_view(root.name));
+        if (root.Name != nullptr) {
+            json.Text(std::wstring_view(root.Name));
         } else {
             json.Null();
         }
         json.Key(L"root").Text(std::wstring_view(hive));
         json.Key(L"subkey").Text(subKey);
         json.Key(L"exists").Boolean(Exists(root, rtxLayout));
-        json.Key(L"volatileClass").Number(std::int64_t{root.volatileClass});
+        json.Key(L"volatileClass").Number(std::int64_t{root.VolatileClass});
         json.EndObject();
     });
     json.EndArray();
@@ -72,8 +72,8 @@ void WriteRoots(Utf8Output& output, bool rtxLayout) {
     ForEachRoot(rtxLayout, [&](std::uint32_t id, const kor::SymbolicRoot& root, const wchar_t* hive,
                                std::wstring_view subKey) {
         output.Write(std::int64_t{id}, L" ",
-                     root.name != nullptr ? root.name : L"(no name, only an id)",
+                     root.Name != nullptr ? root.Name : L"(no name, only an id)",
                      Exists(root, rtxLayout) ? L"" : L", does not exist", L", volatile class ",
-                     std::int64_t{root.volatileClass}, L"\n  ", hive, L"\\", subKey, L"\n");
+                     std::int64_t{root.VolatileClass}, L"\n  ", hive, L"\\", subKey, L"\n");
     });
 }

@@ -16,8 +16,8 @@ namespace {
 constexpr wchar_t DebugSettingsKey[] = L"Settings\\Debug";
 
 struct DebugRoot {
-    SymbolicRootId id;
-    SettingSource source;
+    SymbolicRootId Id;
+    SettingSource Source;
 };
 
 // The current user's setting overrides the machine's.
@@ -27,10 +27,10 @@ constexpr DebugRoot RootsInOrder[] = {
 
 // What is asked before and after the environment variable of the name; null where there is nothing.
 struct SourceChain {
-    const wchar_t* name;
-    const wchar_t* folderSetting;
-    const wchar_t* preferredVariable;
-    const wchar_t* lastResort;
+    const wchar_t* Name;
+    const wchar_t* FolderSetting;
+    const wchar_t* PreferredVariable;
+    const wchar_t* LastResort;
 };
 
 constexpr SourceChain Chains[] = {
@@ -43,7 +43,7 @@ constexpr SourceChain VariableAlone = {nullptr, nullptr, nullptr, nullptr};
 const SourceChain& ChainOf(const wchar_t* name) {
     const auto* const found =
         std::find_if(std::begin(Chains), std::end(Chains), [&](const SourceChain& chain) {
-            return kor::EqualIgnoringCase(chain.name, name);
+            return kor::EqualIgnoringCase(chain.Name, name);
         });
     return found != std::end(Chains) ? *found : VariableAlone;
 }
@@ -96,11 +96,11 @@ public:
     // Goes through the sources of the chain.
     bool FindSetting(const wchar_t* name, CKORString& result) {
         const SourceChain& chain = ChainOf(name);
-        return (chain.folderSetting != nullptr && FindFolder(chain.folderSetting, result)) ||
-               (chain.preferredVariable != nullptr &&
-                FindSetting(chain.preferredVariable, result)) ||
+        return (chain.FolderSetting != nullptr && FindFolder(chain.FolderSetting, result)) ||
+               (chain.PreferredVariable != nullptr &&
+                FindSetting(chain.PreferredVariable, result)) ||
                FindVariable(name, result) ||
-               (chain.lastResort != nullptr && FindSetting(chain.lastResort, result));
+               (chain.LastResort != nullptr && FindSetting(chain.LastResort, result));
     }
 
     bool FindDebugSetting(const wchar_t* name, CKORString& result, bool asNumber) {
@@ -115,10 +115,10 @@ public:
         return std::any_of(std::begin(RootsInOrder), std::end(RootsInOrder),
                            [&](const DebugRoot& root) {
                                CRegistryKey key;
-                               const bool isRead = key.OpenSymbolic(root.id, keyPath, false) &&
+                               const bool isRead = key.OpenSymbolic(root.Id, keyPath, false) &&
                                                    key.ValueExists(valueName) &&
                                                    ReadValue(key, valueName, result, asNumber);
-                               return Note(root.source, name, isRead, result);
+                               return Note(root.Source, name, isRead, result);
                            });
     }
 

@@ -81,19 +81,19 @@ bool CRegistryKey::CopyTree(const CKORString& destination, const CKORString& exc
 
     TreeWalk walk;
     CKORString target(destination);
-    EnumSubKeyNames(walk.Push().names);
-    walk.Top().targetLength = target.Length();
+    EnumSubKeyNames(walk.Push().Names);
+    walk.Top().TargetLength = target.Length();
     while (true) {
         if (!walk.Top().IsDone()) {
-            const CKORString& name = walk.Top().names[walk.Top().next++];
+            const CKORString& name = walk.Top().Names[walk.Top().Next++];
             if (!EnterSubKey(name)) {
                 OpenResolved(false, false, true);
                 continue;
             }
             AppendPathPiece(target, name);
             if (!IsExcluded(exclusion) && CopyValues(target)) {
-                EnumSubKeyNames(walk.Push().names);
-                walk.Top().targetLength = target.Length();
+                EnumSubKeyNames(walk.Push().Names);
+                walk.Top().TargetLength = target.Length();
                 continue;
             }
         } else {
@@ -103,7 +103,7 @@ bool CRegistryKey::CopyTree(const CKORString& destination, const CKORString& exc
             }
         }
         LeaveSubKey();
-        kor::ChangeLength(target, walk.Top().targetLength, L' ');
+        kor::ChangeLength(target, walk.Top().TargetLength, L' ');
     }
 }
 

@@ -21,8 +21,8 @@ public:
 };
 
 struct SplitPath {
-    CKORString rootName;
-    CKORString rest;
+    CKORString RootName;
+    CKORString Rest;
 };
 
 SplitPath SplitAtFirstBackslash(const CKORString& path) {
@@ -37,39 +37,39 @@ SplitPath SplitAtFirstBackslash(const CKORString& path) {
 
 CKORString kor::ResolvedName(const CKORString& path, bool rtxLayout) {
     const SplitPath split = SplitAtFirstBackslash(path);
-    const wchar_t* const rootName = split.rootName.Text();
+    const wchar_t* const rootName = split.RootName.Text();
     CKORString name;
     if (const kor::SymbolicRoot* const symbolic = kor::FindSymbolicRoot(rootName)) {
         const kor::RootLocation& location = symbolic->In(rtxLayout);
-        name = kor::FindRealRoot(kor::HandleOf(location.hive))->name;
+        name = kor::FindRealRoot(kor::HandleOf(location.Hive))->Name;
         name += L"\\";
-        name += location.prefix;
+        name += location.Prefix;
     } else if (const kor::RealRoot* const root = kor::FindRealRoot(rootName)) {
-        name = root->name;
+        name = root->Name;
         name += L"\\";
     } else {
         return name;
     }
-    name += split.rest;
+    name += split.Rest;
     kor::RemoveTrailingBackslashes(name);
     return name;
 }
 
 bool CRegistryKey::Open(const CKORString& path, bool create) {
     const SplitPath split = SplitAtFirstBackslash(path);
-    const wchar_t* const rootName = split.rootName.Text();
+    const wchar_t* const rootName = split.RootName.Text();
     if (const kor::SymbolicRoot* const root = kor::FindSymbolicRoot(rootName)) {
-        return OpenSymbolic(root->id, split.rest, create);
+        return OpenSymbolic(root->Id, split.Rest, create);
     }
 
     CloseIfOpen();
     Reset();
     const kor::RealRoot* const root = kor::FindRealRoot(rootName);
-    if (!PrepareVolatile(split.rest, rootName, SymbolicRootId::None, create) || root == nullptr) {
+    if (!PrepareVolatile(split.Rest, rootName, SymbolicRootId::None, create) || root == nullptr) {
         return false;
     }
-    m_root = kor::HandleOf(root->hive);
-    m_subKey = split.rest;
+    m_root = kor::HandleOf(root->Hive);
+    m_subKey = split.Rest;
     return OpenResolved(create, false, false);
 }
 
@@ -82,8 +82,8 @@ bool CRegistryKey::OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bo
     // Without a root the opening below fails.
     if (const kor::SymbolicRoot* const root = kor::FindSymbolicRoot(id)) {
         const kor::RootLocation& location = root->In(m_rtxLayout);
-        m_root = kor::HandleOf(location.hive);
-        m_subKey = location.prefix;
+        m_root = kor::HandleOf(location.Hive);
+        m_subKey = location.Prefix;
     }
     m_subKey += subPath.Text();
     return OpenResolved(create, false, false);
@@ -118,7 +118,7 @@ bool CRegistryKey::PrepareVolatile(const CKORString& subPath, const wchar_t* roo
 
 CKORString CRegistryKey::GetFullName() const {
     const kor::RealRoot* const root = kor::FindRealRoot(m_ownsRoot ? HKEY_CURRENT_USER : m_root);
-    CKORString name(root != nullptr ? root->name : L"");
+    CKORString name(root != nullptr ? root->Name : L"");
     if (m_subKey.Length() > 0) {
         if (name.Length() > 0) {
             name += L"\\";

@@ -8,8 +8,8 @@
 namespace kor {
 
 struct TypePair {
-    RegValueType type;
-    DWORD registryType;
+    RegValueType Type;
+    DWORD RegistryType;
 };
 
 inline constexpr TypePair TypePairs[] = {
@@ -23,8 +23,8 @@ inline constexpr TypePair TypePairs[] = {
 
 constexpr RegValueType FromRegistryType(DWORD registryType) {
     for (const TypePair& pair : TypePairs) {
-        if (pair.registryType == registryType) {
-            return pair.type;
+        if (pair.RegistryType == registryType) {
+            return pair.Type;
         }
     }
     return RegValueType::Unknown;
@@ -33,8 +33,8 @@ constexpr RegValueType FromRegistryType(DWORD registryType) {
 // False for a type that is not written: MultiString, Unknown and every other number.
 constexpr bool ToWritableRegistryType(RegValueType type, DWORD& registryType) {
     for (const TypePair& pair : TypePairs) {
-        if (pair.type == type && type != RegValueType::MultiString) {
-            registryType = pair.registryType;
+        if (pair.Type == type && type != RegValueType::MultiString) {
+            registryType = pair.RegistryType;
             return true;
         }
     }

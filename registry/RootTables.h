@@ -11,7 +11,7 @@
 namespace kor {
 
 // A predefined root as a number: a handle cannot be a constant expression.
-enum class Hive : std::uint32_t {
+enum class PredefinedRoot : std::uint32_t {
     ClassesRoot = 0x80000000U,
     CurrentUser = 0x80000001U,
     LocalMachine = 0x80000002U,
@@ -23,27 +23,27 @@ enum class Hive : std::uint32_t {
 
 // A hive and the subkey below it, which ends with a backslash.
 struct RootLocation {
-    Hive hive;
-    const wchar_t* prefix;
+    PredefinedRoot Hive;
+    const wchar_t* Prefix;
 };
 
 struct SymbolicRoot {
-    SymbolicRootId id;
-    const wchar_t* name; // null when the root can be reached by its id only
-    RootLocation plain;
-    RootLocation rtx;
-    std::int32_t volatileClass;   // 0: the root has no volatile keys of its own
-    SymbolicRootId volatileKeyIn; // the root that gets the stamped key "volatile"
+    SymbolicRootId Id;
+    const wchar_t* Name; // null when the root can be reached by its id only
+    RootLocation Plain;
+    RootLocation Rtx;
+    std::int32_t VolatileClass;   // 0: the root has no volatile keys of its own
+    SymbolicRootId VolatileKeyIn; // the root that gets the stamped key "volatile"
 
-    const RootLocation& In(bool rtxLayout) const { return rtxLayout ? rtx : plain; }
+    const RootLocation& In(bool rtxLayout) const { return rtxLayout ? Rtx : Plain; }
 };
 
 struct RealRoot {
-    const wchar_t* name;
-    Hive hive;
+    const wchar_t* Name;
+    PredefinedRoot Hive;
 };
 
-HKEY HandleOf(Hive hive);
+HKEY HandleOf(PredefinedRoot root);
 
 // Null when there is no such root. Names are compared without regard to case.
 const SymbolicRoot* FindSymbolicRoot(SymbolicRootId id);

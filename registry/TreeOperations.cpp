@@ -71,13 +71,13 @@ bool CRegistryKey::DeleteTree(const CKORString& path) {
 // Depth first: each subkey is emptied, left and deleted before the next one is entered.
 bool CRegistryKey::EmptyOpenKey() {
     TreeWalk walk;
-    if (!DeleteAllValues() || !EnumSubKeyNames(walk.Push().names)) {
+    if (!DeleteAllValues() || !EnumSubKeyNames(walk.Push().Names)) {
         return false;
     }
     while (true) {
         if (!walk.Top().IsDone()) {
-            const bool isEntered = EnterSubKey(walk.Top().names[walk.Top().next]);
-            if (!isEntered || !DeleteAllValues() || !EnumSubKeyNames(walk.Push().names)) {
+            const bool isEntered = EnterSubKey(walk.Top().Names[walk.Top().Next]);
+            if (!isEntered || !DeleteAllValues() || !EnumSubKeyNames(walk.Push().Names)) {
                 return false;
             }
             continue;
@@ -86,10 +86,10 @@ bool CRegistryKey::EmptyOpenKey() {
         if (walk.IsEmpty()) {
             return true;
         }
-        if (!LeaveSubKey() || !DeleteEmptySubKey(walk.Top().names[walk.Top().next])) {
+        if (!LeaveSubKey() || !DeleteEmptySubKey(walk.Top().Names[walk.Top().Next])) {
             return false;
         }
-        ++walk.Top().next;
+        ++walk.Top().Next;
     }
 }
 

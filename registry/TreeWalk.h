@@ -10,11 +10,11 @@
 
 // One for each key from the start of the walk to where it is now.
 struct WalkLevel {
-    CTable1D<CKORString> names; // of the subkeys
-    std::int64_t next = 0;      // the subkey that is walked, or the next one
-    std::int64_t targetLength = 0;
+    CTable1D<CKORString> Names; // of the subkeys
+    std::int64_t Next = 0;      // the subkey that is walked, or the next one
+    std::int64_t TargetLength = 0;
 
-    bool IsDone() const { return next == names.Count(); }
+    bool IsDone() const { return Next == Names.Count(); }
 };
 
 class TreeWalk {

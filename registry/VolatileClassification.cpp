@@ -40,7 +40,7 @@ bool BeginsWith(const CKORString& text, std::wstring_view start) {
 
 // The key "volatile" below the root, in the form that paths are compared in.
 CKORString VolatileLocationOf(SymbolicRootId id, bool rtxLayout) {
-    CKORString location(FindSymbolicRoot(id)->In(rtxLayout).prefix);
+    CKORString location(FindSymbolicRoot(id)->In(rtxLayout).Prefix);
     AppendPathPiece(location, VolatileWord.data());
     LowerCase(location);
     RemoveOuterBackslashes(location);

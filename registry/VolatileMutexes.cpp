@@ -4,8 +4,8 @@
 namespace {
 
 struct MutexName {
-    std::int32_t volatileClass;
-    const wchar_t* name;
+    std::int32_t VolatileClass;
+    const wchar_t* Name;
 };
 
 // Local names on purpose: they serialise the programs of one session.
@@ -18,8 +18,8 @@ constexpr MutexName MutexNames[] = {
 
 const wchar_t* MutexNameOf(std::int32_t volatileClass) {
     for (const MutexName& row : MutexNames) {
-        if (row.volatileClass == volatileClass) {
-            return row.name;
+        if (row.VolatileClass == volatileClass) {
+            return row.Name;
         }
     }
     return nullptr;

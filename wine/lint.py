@@ -101,6 +101,7 @@ def uncompiled(files, compiled):
 def checks(build, files, compiled):
     tidy = ["clang-tidy-19", "--quiet", "-p", build]
     tidy += ["--extra-arg=" + argument for argument in TIDY_ARGUMENTS]
+    settings = [path for path in files if os.path.basename(path) == ".clang-tidy"]
     for path in files:
         extension = os.path.splitext(path)[1]
         first_line = content(path).split(b"\n", 1)[0]
@@ -109,7 +110,7 @@ def checks(build, files, compiled):
                         [".clang-format", path])
         if path in compiled and extension == ".cpp":
             yield Check("clang-tidy", path, tidy + [path],
-                        [".clang-tidy", compiled[path].encode()] + with_headers(path))
+                        settings + [compiled[path].encode()] + with_headers(path))
         if extension == ".sh" or (first_line.startswith(b"#!") and b"bash" in first_line):
             yield Check("shellcheck", path, ["shellcheck", path], [".shellcheckrc", path])
         if extension == ".py" or (first_line.startswith(b"#!") and b"python" in first_line):

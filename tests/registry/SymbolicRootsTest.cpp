@@ -62,16 +62,16 @@ TEST(SymbolicRoots, HaveTheirPlacesInBothLayouts) {
         const auto id = static_cast<SymbolicRootId>(expected.id);
         const SymbolicRoot* const root = FindSymbolicRoot(id);
         ASSERT_NE(root, nullptr);
-        EXPECT_EQ(HandleOf(root->In(false).hive), expected.plainRoot);
-        EXPECT_STREQ(root->In(false).prefix, expected.plainPrefix);
-        EXPECT_EQ(HandleOf(root->In(true).hive), expected.rtxRoot);
-        EXPECT_STREQ(root->In(true).prefix, expected.rtxPrefix);
+        EXPECT_EQ(HandleOf(root->In(false).Hive), expected.plainRoot);
+        EXPECT_STREQ(root->In(false).Prefix, expected.plainPrefix);
+        EXPECT_EQ(HandleOf(root->In(true).Hive), expected.rtxRoot);
+        EXPECT_STREQ(root->In(true).Prefix, expected.rtxPrefix);
         EXPECT_EQ(VolatileClassOf(id), expected.volatileClass);
         EXPECT_EQ(VolatileKeyRootOf(id), static_cast<SymbolicRootId>(expected.stampRoot));
         if (expected.name == nullptr) {
-            EXPECT_EQ(root->name, nullptr);
+            EXPECT_EQ(root->Name, nullptr);
         } else {
-            EXPECT_STREQ(root->name, expected.name);
+            EXPECT_STREQ(root->Name, expected.name);
             EXPECT_EQ(FindSymbolicRoot(expected.name), root);
             EXPECT_EQ(FindSymbolicRoot(LowerCase(expected.name).c_str()), root);
         }
@@ -106,7 +106,7 @@ TEST(RealRoots, SelectThePredefinedHandles) {
     for (const ExpectedHive& expected : ExpectedHives) {
         const RealRoot* const root = FindRealRoot(expected.name);
         ASSERT_NE(root, nullptr) << expected.name;
-        EXPECT_EQ(HandleOf(root->hive), expected.handle);
+        EXPECT_EQ(HandleOf(root->Hive), expected.handle);
         EXPECT_EQ(FindRealRoot(LowerCase(expected.name).c_str()), root);
         EXPECT_EQ(FindRealRoot(expected.handle), root);
     }

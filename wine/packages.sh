@@ -9,6 +9,7 @@ kor_package_packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build python3
     wixl msitools
 )
+kor_kit_packages=("${kor_package_packages[@]}" googletest lld)
 # What the long tests need besides.
 kor_long_test_packages=(
     "${kor_package_packages[@]}"

@@ -1,5 +1,7 @@
 // The main function of every test program. Tests delete keys and folders, so they run only where a
 // throw-away prefix says that they may.
+#include "tests/support/Expendable.h"
+
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -24,9 +26,10 @@ constexpr wchar_t RunningFile[] = L"C:\\tests-are-running";
 } // namespace
 
 int main(int argc, char** argv) {
-    if (GetEnvironmentVariableW(L"KOR_TEST_SANDBOX", nullptr, 0) == 0) {
-        std::fputs("This program changes the registry and deletes files. It runs only in the "
-                   "throw-away prefix that wine/in-prefix.py makes.\n",
+    if (!test::MayChangeThisMachine()) {
+        std::fputs("This program deletes registry keys and files. It runs only in the throw-away "
+                   "prefix that wine/in-prefix.py makes, and in Windows Sandbox by the kit's "
+                   "run-tests.cmd.\n",
                    stderr);
         return 2;
     }

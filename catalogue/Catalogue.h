@@ -17,6 +17,8 @@ struct Omission {
     Looked Where;
     CKORString Path; // of the registry key, the file or the folder
     PathBase Base;   // of the file or the folder
+    // The registry key that tells a version's folder, of a file in it.
+    CKORString VersionKey = CKORString();
 };
 
 // Owns its sections. The builders of the sections append to it.

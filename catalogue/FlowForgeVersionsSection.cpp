@@ -131,6 +131,10 @@ const wchar_t* WhyWithoutFolders(const CRegistryKey& key) {
                         : L"the version's key, or one listed beside it, cannot be read";
 }
 
+CKORString KeyOf(const CKORString& versionName, bool is32Bit) {
+    return CKORString(is32Bit ? VersionsKey32Bit : VersionsKey) + L"\\" + versionName;
+}
+
 CKORString TitleOf(const CKORString& versionName, bool is32Bit) {
     return L"Flow Forge " + versionName + (is32Bit ? L" (32-bit)" : L"");
 }
@@ -141,7 +145,7 @@ void AddVersionSection(Catalogue& catalogue, const Version& version, bool is32Bi
     if (!kor::PathExists(program.Text()) &&
         !kor::PathExists((version.InstallFolder + L"/Tools").Text())) {
         catalogue.Omissions.Add({title, L"", L"neither FlowForge.exe nor a Tools folder exists",
-                                 Looked::AtFile, program, nullptr});
+                                 Looked::AtFile, program, nullptr, KeyOf(version.Name, is32Bit)});
         return;
     }
     // The key does not tell the views apart, so a click on a version that both list finds the
@@ -180,8 +184,7 @@ void BuildFlowForgeVersionsSection(Catalogue& catalogue, bool is32Bit) {
             AddVersionSection(catalogue, version, is32Bit);
         } else {
             catalogue.Omissions.Add({TitleOf(name, is32Bit), L"", WhyWithoutFolders(key),
-                                     Looked::AtRegistryKey, CKORString(versionsKey) + L"\\" + name,
-                                     nullptr});
+                                     Looked::AtRegistryKey, KeyOf(name, is32Bit), nullptr});
         }
     }
     key.CloseIfOpen();

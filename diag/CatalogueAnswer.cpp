@@ -1,42 +1,39 @@
 #include "diag/CatalogueAnswer.h"
 
-#include "diag/MissingPath.h"
+#include "diag/PathCauses.h"
 #include "diag/QueryAnswers.h"
+#include "diag/RegistryCauses.h"
 
 namespace {
 
 void AppendReason(CKORString& reasons, const CKORString& reason) {
-    if (reason.Length() > 0) {
-        reasons += reasons.Length() > 0 ? L"; " : L"";
-        reasons += reason;
-    }
+    reasons += reasons.Length() > 0 ? L"; " : L"";
+    reasons += reason;
 }
 
-// What is wrong with a path that begins with the base.
-CKORString WhyMissing(const CKORString& path, PathBase base, bool isFolder,
-                      const Installation& installation) {
-    // Only the path of the runtime manager is empty without a base.
-    if (base == nullptr && path.Length() == 0) {
-        return L"no installed version has the file Tools/FlowForgeRuntimeManager.exe";
+CKORString WordsOf(const std::vector<Cause>& causes) {
+    CKORString words;
+    for (const Cause& cause : causes) {
+        AppendReason(words, cause.Found);
     }
-    const BaseFault fault = FaultOf(path, base, installation);
-    CKORString reasons;
-    // The rest of a path without its beginning says nothing.
-    if (!fault.IsEmpty) {
-        AppendReason(reasons, WhatIsMissingOf(path, isFolder));
-    }
-    AppendReason(reasons, fault.Words);
-    return reasons;
+    return words;
 }
 
-CKORString WhyOmitted(const Omission& note, const Installation& installation) {
-    CKORString detail;
+CatalogueAnswer::NotBuilt Explain(const Omission& note, const Installation& installation) {
+    std::vector<Cause> causes;
+    CKORString detail(note.Path);
     if (note.Where == Looked::AtInstallationType) {
         detail = WhyNotDevelopment();
     } else if (note.Where != Looked::AtRegistryKey) {
-        detail = WhyMissing(note.Path, note.Base, note.Where == Looked::AtFolder, installation);
+        causes = CausesOfPath(note.Path, note.Base, note.Where == Looked::AtFolder, installation);
+        if (note.VersionKey.Length() > 0) {
+            if (const auto cause = CauseOfFolderValue(note.VersionKey, L"InstallationPath")) {
+                causes = {*cause};
+            }
+        }
+        detail = causes.empty() ? note.Path : WordsOf(causes);
     }
-    return CKORString(note.Reason) + L": " + (detail.Length() > 0 ? detail : note.Path);
+    return {&note, causes, CKORString(note.Reason) + L": " + detail};
 }
 
 } // namespace
@@ -50,15 +47,16 @@ CatalogueAnswer::CatalogueAnswer(const PageState& state) {
         for (const ControlCenterItem* const item : *section) {
             // A page that is one message composed no item.
             const bool isThere = page.IsValid ? item->WasShown : item->IsShown();
+            std::vector<Cause> causes;
             CKORString why(invalid);
             if (!isThere) {
-                AppendReason(why,
-                             WhyMissing(item->Path, item->Base, item->Type == ItemFolder, page));
+                causes = CausesOfPath(item->Path, item->Base, item->Type == ItemFolder, page);
+                AppendReason(why, WordsOf(causes));
             }
-            Sections.back().Items.push_back({item, page.IsValid && isThere, why});
+            Sections.back().Items.push_back({item, isThere, isThere && page.IsValid, causes, why});
         }
     }
     for (const Omission& note : page.Sections.Omissions) {
-        Omitted.push_back({&note, WhyOmitted(note, page)});
+        Omitted.push_back(Explain(note, page));
     }
 }

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "diag/Cause.h"
 #include "diag/PageState.h"
 
 struct CatalogueAnswer {
@@ -11,8 +12,11 @@ struct CatalogueAnswer {
 
     struct Item {
         const ControlCenterItem* Item;
-        bool IsShown;
-        CKORString Why; // empty for an item that is shown
+        bool IsThere; // its target exists
+        bool IsShown; // on a page that shows the sections, too
+        // Of a target that does not exist, from the symptom to what lies deepest.
+        std::vector<Cause> Causes;
+        CKORString Why; // the causes in words; empty for an item that is shown
     };
     struct Section {
         const ControlCenterSection* Section;
@@ -20,6 +24,7 @@ struct CatalogueAnswer {
     };
     struct NotBuilt {
         const Omission* Note;
+        std::vector<Cause> Causes; // of a file or folder
         CKORString Why;
     };
 

@@ -64,7 +64,7 @@ void WriteCatalogue(JsonWriter& json, const CatalogueAnswer& catalogue) {
     }
     json.EndArray();
     json.Key(L"notBuilt").BeginArray();
-    for (const auto& [note, why] : catalogue.Omitted) {
+    for (const auto& [note, causes, why] : catalogue.Omitted) {
         json.BeginObject();
         json.Key(L"section").Text(note->Title);
         json.Key(L"item").Text(note->Label);
@@ -88,7 +88,7 @@ void WriteCatalogue(Utf8Output& output, const CatalogueAnswer& catalogue) {
     if (!catalogue.Omitted.empty()) {
         output.Write(L"Not built:\n");
     }
-    for (const auto& [note, why] : catalogue.Omitted) {
+    for (const auto& [note, causes, why] : catalogue.Omitted) {
         output.Write(L"  ", Printable(note->Title));
         if (note->Label.Length() > 0) {
             output.Write(L", item \"", Printable(note->Label), L"\"");

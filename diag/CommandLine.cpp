@@ -15,13 +15,16 @@ constexpr Command Commands[] = {
     {nullptr, L"sizes", L"", L"the window's and the rows' sizes", OptionDpi | OptionJson, RunSizes},
     {nullptr, L"catalogue", L"", L"all sections and items; why some are not shown", OptionJson,
      RunCatalogue},
+    {nullptr, L"check", L"", L"what is wrong, and what to do about it", OptionJson | OptionStrict,
+     RunCheck},
     {nullptr, L"queries", L"", L"what the registry says about the installation", OptionJson,
      RunQueries},
     {nullptr, L"roots", L"", L"the symbolic roots of registry paths", OptionRtx | OptionJson,
      RunRoots},
     {nullptr, L"setting", L"NAME", L"TEMP, TRACEFOLDER, KOR_PATH or any variable", OptionJson,
      RunSetting},
-    {nullptr, L"report", L"", L"all of that at once, for a support ticket", OptionJson, RunReport},
+    {nullptr, L"report", L"", L"all of that, for a support ticket",
+     OptionJson | OptionRedact | OptionOutput | OptionForce, RunReport},
     {Registry, L"get", L"PATH NAME", L"a value's data", OptionRtx | OptionJson, RunRegistryGet},
     {Registry, L"list", L"PATH", L"subkeys and values", OptionRtx | OptionJson, RunRegistryList},
     {Registry, L"type", L"PATH NAME", L"a value's type", OptionRtx, RunRegistryType},
@@ -52,9 +55,16 @@ struct OptionWord {
 
 // In the order of the usage.
 constexpr OptionWord OptionWords[] = {
-    {L"--document", L"", OptionDocument}, {L"--dpi", L" N", OptionDpi},
-    {L"--rtx", L"", OptionRtx},           {L"--create", L"", OptionCreate},
-    {L"--anywhere", L"", OptionAnywhere}, {L"--json", L"", OptionJson},
+    {L"--document", L"", OptionDocument},
+    {L"--dpi", L" N", OptionDpi},
+    {L"--rtx", L"", OptionRtx},
+    {L"--create", L"", OptionCreate},
+    {L"--anywhere", L"", OptionAnywhere},
+    {L"--json", L"", OptionJson},
+    {L"--strict", L"", OptionStrict},
+    {L"--redact", L"", OptionRedact},
+    {L"--output", L" FILE", OptionOutput},
+    {L"--force", L"", OptionForce},
 };
 
 using Words = std::vector<std::wstring>;
@@ -160,13 +170,19 @@ private:
             return Refuse(L"unknown option: ", *word);
         }
         arguments.Options |= known->Flag;
-        if (known->Flag != OptionDpi) {
+        if (known->Value[0] == L'\0') {
             return true;
         }
-        if (word + 1 == end || !ParseDpi(*(word + 1), arguments.Dpi)) {
+        const std::wstring value = word + 1 != end ? *++word : std::wstring();
+        if (known->Flag == OptionDpi && !ParseDpi(value, arguments.Dpi)) {
             return Refuse(L"--dpi takes a number from 1 to 9600", L"");
         }
-        ++word;
+        if (known->Flag == OptionOutput && value.empty()) {
+            return Refuse(L"--output takes the name of a file", L"");
+        }
+        if (known->Flag == OptionOutput) {
+            arguments.Output = value;
+        }
         return true;
     }
 

@@ -23,6 +23,10 @@ enum Option : unsigned {
     OptionDocument = 16,
     OptionDpi = 32,
     OptionCommand = 64, // "--" and a command line follow the operands
+    OptionStrict = 128,
+    OptionOutput = 256,
+    OptionForce = 512,
+    OptionRedact = 1024,
 };
 
 struct Arguments {
@@ -32,6 +36,7 @@ struct Arguments {
     std::vector<std::wstring> Operands;
     unsigned Options = NoOption;
     int Dpi = 0;
+    std::wstring Output;                   // the name of a file
     std::vector<std::wstring> CommandLine; // with OptionCommand
 };
 
@@ -66,6 +71,7 @@ struct Command {
 ExitCode RunPage(const Arguments& arguments, Streams& streams);
 ExitCode RunSizes(const Arguments& arguments, Streams& streams);
 ExitCode RunCatalogue(const Arguments& arguments, Streams& streams);
+ExitCode RunCheck(const Arguments& arguments, Streams& streams);
 ExitCode RunQueries(const Arguments& arguments, Streams& streams);
 ExitCode RunRoots(const Arguments& arguments, Streams& streams);
 ExitCode RunSetting(const Arguments& arguments, Streams& streams);

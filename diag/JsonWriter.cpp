@@ -95,6 +95,15 @@ JsonWriter& JsonWriter::Key(const wchar_t* name) {
     return *this;
 }
 
+void JsonWriter::Text(std::wstring_view text) {
+    Value(m_redaction != nullptr ? Quoted(std::wstring_view(m_redaction->Apply(text)))
+                                 : Quoted(text));
+}
+
+void JsonWriter::Text(const CKORString& text) {
+    Text(ViewOf(text));
+}
+
 void JsonWriter::Separate() {
     if (m_needsComma) {
         m_output.Write(L",");

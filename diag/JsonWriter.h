@@ -6,7 +6,12 @@
 #include <string_view>
 
 #include "base/CKORString.h"
+#include "diag/Redaction.h"
 #include "diag/Utf8Output.h"
+
+// Of the documents that name it as their "schema": raised when a member changes its meaning or
+// goes.
+inline constexpr std::int64_t SchemaVersion = 1;
 
 // The text as a JSON string with its quotes. Control characters and surrogates that are no pair are
 // written as \uXXXX, so that any text that Windows may hold comes out as valid UTF-8.
@@ -20,7 +25,9 @@ std::wstring Printable(const CKORString& text);
 // The caller's calls must make a document: a key before each member of an object.
 class JsonWriter {
 public:
-    explicit JsonWriter(Utf8Output& output) : m_output(output) {}
+    // redaction, if there is one, is applied to the texts of the document.
+    explicit JsonWriter(Utf8Output& output, const Redaction* redaction = nullptr)
+        : m_output(output), m_redaction(redaction) {}
     JsonWriter(const JsonWriter&) = delete;
     JsonWriter& operator=(const JsonWriter&) = delete;
 
@@ -32,8 +39,8 @@ public:
     // A member of an object begins; its value follows.
     JsonWriter& Key(const wchar_t* name);
 
-    void Text(std::wstring_view text) { Value(Quoted(text)); }
-    void Text(const CKORString& text) { Value(Quoted(text)); }
+    void Text(std::wstring_view text);
+    void Text(const CKORString& text);
     void Number(std::int64_t number) { Value(std::to_wstring(number)); }
     void Number(std::uint64_t number) { Value(std::to_wstring(number)); }
     void Boolean(bool value) { Value(value ? L"true" : L"false"); }
@@ -46,5 +53,6 @@ private:
     void Value(std::wstring_view text);
 
     Utf8Output& m_output;
+    const Redaction* m_redaction;
     bool m_needsComma = false;
 };

@@ -1,39 +1,8 @@
 // kordiag registry lock: a command runs while the mutex of a volatile location is held.
+#include "diag/Cause.h"
 #include "diag/RegistryAccess.h"
 
 namespace {
-
-// The argument as the programs of Windows will find it again in their command line: in quotes if
-// need be, which some programs mind around their options, with backslashes doubled where a quote
-// follows.
-void AppendArgument(std::wstring& line, const std::wstring& argument) {
-    if (!argument.empty() && argument.find_first_of(L" \t\"") == std::wstring::npos) {
-        line += argument;
-        return;
-    }
-    line += L'"';
-    std::size_t backslashes = 0;
-    for (const wchar_t c : argument) {
-        if (c == L'"') {
-            line.append(backslashes + 1, L'\\');
-        }
-        backslashes = c == L'\\' ? backslashes + 1 : 0;
-        line += c;
-    }
-    line.append(backslashes, L'\\');
-    line += L'"';
-}
-
-std::wstring CommandLineOf(const std::vector<std::wstring>& words) {
-    std::wstring line;
-    for (const std::wstring& word : words) {
-        if (!line.empty()) {
-            line += L' ';
-        }
-        AppendArgument(line, word);
-    }
-    return line;
-}
 
 // An interrupt is the command's; the mutex must be released after it.
 BOOL WINAPI LeaveInterruptToCommand(DWORD event) {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "diag/RegistryCauses.h"
 #include "diag/ValueTypes.h"
 #include "registry/CRegistryKey.h"
-#include "registry/StringUtilities.h"
 
 namespace {
 
@@ -13,27 +13,16 @@ CKORString KeyPath(const AskedQuery& query) {
     return query.Product != nullptr ? ExamplesRootKey(query.Product) : CKORString(query.Query->Key);
 }
 
-CKORString ValueName(const AskedQuery& query) {
-    return CKORString(L"the value \"") + query.Query->Value + L"\" of " + KeyName(query);
-}
-
-// The value on which an answer rests, with what it holds.
+// The value on which an answer rests, with what it holds or why it holds nothing.
 CKORString WhatIsThere(const AskedQuery& query) {
-    CRegistryKey key(KeyPath(query), false);
-    const CKORString name = ValueName(query);
-    if (!key.ValueExists(query.Query->Value)) {
-        return name + L" does not exist";
+    const CKORString keyName = KeyName(query);
+    if (const auto cause = CauseOfValue(keyName, query.Query->Value)) {
+        return cause->Found;
     }
     CKORString text;
-    if (!key.ReadString(query.Query->Value, text)) {
-        return name + L" is not a text";
-    }
-    return text.Length() == 0 ? name + L" is empty" : name + L" is \"" + text + L"\"";
-}
-
-const AskedQuery& QueryOf(const InstallationQuery& question) {
-    return *std::find_if(std::begin(AskedQueries), std::end(AskedQueries),
-                         [&](const AskedQuery& row) { return row.Query == &question; });
+    CRegistryKey(keyName, false).ReadString(query.Query->Value, text);
+    return CKORString::Format(L"the value \"%s\" of %s is \"%s\"", query.Query->Value,
+                              keyName.Text(), text.Text());
 }
 
 } // namespace
@@ -59,27 +48,14 @@ QueryAnswer Ask(const AskedQuery& query) {
     return answer;
 }
 
-BaseFault FaultOf(const CKORString& path, PathBase base, const Installation& installation) {
-    if (base == nullptr) {
-        return {false, L""};
-    }
-    const CKORString& text = installation.*base;
-    const AskedQuery& query =
-        *std::find_if(std::begin(AskedQueries), std::end(AskedQueries),
-                      [base](const AskedQuery& row) { return row.Text == base; });
-    // The launcher puts a backslash behind this one even when there is no text.
-    const std::int64_t emptyLength = base == &Installation::FlowForgeInstallDir ? 1 : 0;
-    if (text.Length() <= emptyLength) {
-        return {true, CKORString(L"the ") + query.Name + L" is empty: " + WhatIsThere(query)};
-    }
-    const bool isTornOff = !kor::IsPathSeparator(text[text.Length() - 1]) &&
-                           path.Length() > text.Length() &&
-                           !kor::IsPathSeparator(path[text.Length()]);
-    if (isTornOff) {
-        return {false, CKORString(L"the ") + query.Name + L" does not end in a backslash: " +
-                           WhatIsThere(query)};
-    }
-    return {false, L""};
+const AskedQuery& QueryOf(PathBase text) {
+    return *std::find_if(std::begin(AskedQueries), std::end(AskedQueries),
+                         [text](const AskedQuery& row) { return row.Text == text; });
+}
+
+const AskedQuery& QueryOf(const InstallationQuery& question) {
+    return *std::find_if(std::begin(AskedQueries), std::end(AskedQueries),
+                         [&](const AskedQuery& row) { return row.Query == &question; });
 }
 
 CKORString WhyNotDevelopment() {

@@ -1,5 +1,5 @@
-// The questions that the launcher asks the registry about the installation, with what an answer
-// tells about the texts that the items' paths begin with.
+// The questions that the launcher asks the registry about the installation, what it answers, and
+// on what a no rests.
 #pragma once
 
 #include "base/CKORString.h"
@@ -17,13 +17,9 @@ struct QueryAnswer {
 
 QueryAnswer Ask(const AskedQuery& query);
 
-// Why a text is of no use as the beginning of the path.
-struct BaseFault {
-    bool IsEmpty;     // there is no text
-    CKORString Words; // with the registry value that the text comes from; empty without a fault
-};
-
-BaseFault FaultOf(const CKORString& path, PathBase base, const Installation& installation);
+// The question whose answer is the text, and that of a yes or no.
+const AskedQuery& QueryOf(PathBase text);
+const AskedQuery& QueryOf(const InstallationQuery& question);
 
 // The registry value on which a no rests, in words.
 CKORString WhyNotDevelopment();

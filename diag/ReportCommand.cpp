@@ -2,6 +2,7 @@
 #include <windows.h>
 
 #include "diag/Commands.h"
+#include "diag/NewFile.h"
 #include "diag/Reading.h"
 #include "diag/Version.h"
 #include "registry/CRegistryKey.h"
@@ -38,6 +39,7 @@ CKORString NowInUtc() {
 void WriteReport(JsonWriter& json) {
     const PageState state;
     json.BeginObject();
+    json.Key(L"schema").Number(SchemaVersion);
     json.Key(L"version").Text(std::wstring_view(ProgramVersion));
     json.Key(L"system").Text(SystemVersion());
     json.Key(L"dpi").Number(std::int64_t{state.Dpi});
@@ -81,8 +83,55 @@ void WriteReport(Utf8Output& output) {
     output.Write(L"\nPage\n\n", state.Page.PageHtml, L"\n");
 }
 
+// The whole answer, without the names of the user and the computer if they are to be left out.
+std::wstring ReportText(const Arguments& arguments) {
+    const Redaction redaction = arguments.Has(OptionRedact) ? Redaction::OfThisUser() : Redaction();
+    Utf8Output kept;
+    if (arguments.Has(OptionJson)) {
+        JsonWriter json(kept, &redaction);
+        WriteReport(json);
+        kept.Write(L"\n");
+        return kept.Take();
+    }
+    WriteReport(kept);
+    return redaction.Apply(kept.Take());
+}
+
+ExitCode Refuse(Streams& streams, const wchar_t* path, const wchar_t* why, DWORD error) {
+    streams.Err.Write(L"kordiag report: ", path, why);
+    if (error != ERROR_SUCCESS) {
+        streams.Err.Write(L" (error ", static_cast<std::int64_t>(error), L")");
+    }
+    streams.Err.Write(L"\n");
+    return ExitCode::No;
+}
+
+ExitCode WriteFile(const Arguments& arguments, Streams& streams) {
+    const wchar_t* const path = arguments.Output.c_str();
+    const bool replaces = arguments.Has(OptionForce);
+    if (!replaces && GetFileAttributesW(path) != INVALID_FILE_ATTRIBUTES) {
+        return Refuse(streams, path, L" exists; --force replaces it", ERROR_SUCCESS);
+    }
+    NewFile file(arguments.Output);
+    if (file.Handle() == INVALID_HANDLE_VALUE) {
+        return Refuse(streams, path, L" cannot be created", GetLastError());
+    }
+    Utf8Output output(file.Handle());
+    output.Write(ReportText(arguments));
+    output.Flush();
+    if (!output.IsOpen()) {
+        return Refuse(streams, path, L" cannot be written", output.Error());
+    }
+    return file.Finish(replaces) ? ExitCode::Answered
+                                 : Refuse(streams, path, L" cannot be written", GetLastError());
+}
+
 } // namespace
 
 ExitCode RunReport(const Arguments& arguments, Streams& streams) {
-    return Answer(arguments, streams, [](auto& output) { WriteReport(output); });
+    if (arguments.Has(OptionOutput)) {
+        return WriteFile(arguments, streams);
+    }
+    streams.Out.Write(ReportText(arguments));
+    return ExitCode::Answered;
 }

@@ -1,6 +1,7 @@
 #include "diag/Utf8Output.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -53,6 +54,11 @@ void Utf8Output::Flush() {
     m_pending.clear();
 }
 
+std::wstring Utf8Output::Take() {
+    Flush();
+    return std::exchange(m_kept, {});
+}
+
 bool Utf8Output::ReaderIsGone() const {
     return m_error == ERROR_BROKEN_PIPE || m_error == ERROR_NO_DATA ||
            m_error == ERROR_PIPE_NOT_CONNECTED;
@@ -60,6 +66,10 @@ bool Utf8Output::ReaderIsGone() const {
 
 void Utf8Output::Pass(std::wstring_view text) {
     if (text.empty() || !IsOpen()) {
+        return;
+    }
+    if (m_keeps) {
+        m_kept += text;
         return;
     }
     if (m_isConsole) {

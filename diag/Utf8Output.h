@@ -16,6 +16,8 @@ class Utf8Output {
 public:
     // The handle is not owned. A null or invalid one is a failure.
     explicit Utf8Output(HANDLE handle);
+    // Keeps in mind what is written, until it is taken.
+    Utf8Output() : Utf8Output(nullptr) { m_keeps = true; }
     Utf8Output(const Utf8Output&) = delete;
     Utf8Output& operator=(const Utf8Output&) = delete;
     ~Utf8Output();
@@ -26,6 +28,10 @@ public:
     }
 
     void Flush();
+    std::wstring Take();
+
+    // The thread's error that ended the output, if it is not open.
+    DWORD Error() const { return m_error; }
 
     // Whether what is written still arrives somewhere.
     bool IsOpen() const { return m_error == ERROR_SUCCESS; }
@@ -45,6 +51,8 @@ private:
 
     HANDLE m_handle;
     bool m_isConsole;
+    bool m_keeps = false;
+    std::wstring m_kept;
     DWORD m_error = ERROR_SUCCESS;
     std::wstring m_pending;
 };

@@ -17,7 +17,7 @@ kor_long_test_packages=(
 )
 kor_test_packages=(
     "${kor_run_packages[@]}"
-    googletest lld chromium
+    googletest lld chromium python3-jsonschema
 )
 kor_lint_packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build python3

@@ -5,7 +5,9 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
+#include "diag/Commands.h"
 #include "diag/Utf8Output.h"
 
 namespace test {
@@ -52,6 +54,16 @@ std::string Capture(Function function) {
         function(output);
     }
     return captured.Bytes();
+}
+
+// What kordiag answers to the words; its messages are dropped.
+inline std::string OutputOf(const std::vector<std::wstring>& words) {
+    const Captured dropped;
+    return Capture([&](Utf8Output& out) {
+        Utf8Output errors(dropped.Handle());
+        Streams streams = {out, errors};
+        RunCommandLine(words, streams);
+    });
 }
 
 } // namespace test

@@ -72,6 +72,12 @@ class EveryProgram(unittest.TestCase):
             return again.read_bytes()
 
 
+class Companion(unittest.TestCase):
+    def test_is_small(self):
+        for path in PROGRAMS[1:]:
+            self.assertLessEqual(path.stat().st_size, 650 * 1024, path)
+
+
 class Launcher(unittest.TestCase):
     @classmethod
     def setUpClass(cls):

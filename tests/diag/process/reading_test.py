@@ -2,7 +2,9 @@
 """reading_test.py KORDIAG: the reading commands of the finished program, in a whole, a damaged and an
 empty installation."""
 import base64
+import getpass
 import re
+import socket
 import sys
 import unittest
 
@@ -13,6 +15,14 @@ LIBRARY = r"HKEY_LOCAL_MACHINE\SOFTWARE\Vantrel\Vantrel Imaging Library"
 RUNTIME = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Imaging Library\Runtime"
 NOT_INSTALLED = ("<div id=KORSection><h2>This KOR hasn't been installed by a valid install</h2>"
                  "<ul></ul></div>")
+
+
+def texts(document):
+    """All texts of a JSON document but the names of its members."""
+    if isinstance(document, str):
+        return [document]
+    parts = document.values() if isinstance(document, dict) else document if isinstance(document, list) else ()
+    return [text for part in parts for text in texts(part)]
 
 
 class Reading(unittest.TestCase):
@@ -157,7 +167,7 @@ class WholeInstallation(Reading):
 
     def test_report_has_the_answers_of_all(self):
         report = self.answer("report")
-        self.assertEqual(list(report), ["version", "system", "dpi", "date", "queries", "catalogue", "sizes",
+        self.assertEqual(list(report), ["schema", "version", "system", "dpi", "date", "queries", "catalogue", "sizes",
                                         "roots", "rtxRoots", "settings", "page"])
         version = re.search(r"VERSION (\S+) ", (ROOT / "CMakeLists.txt").read_text().split("project(")[1])[1]
         self.assertEqual(report["version"], version)
@@ -175,6 +185,20 @@ class WholeInstallation(Reading):
         text = self.text("report")
         for command in ("queries", "catalogue", "sizes", "roots", "page"):
             self.assertIn(self.text(command), text)
+
+    def test_a_report_without_names(self):
+        user, computer = getpass.getuser(), socket.gethostname().split(".")[0]
+        variables = {"TRACEFOLDER": f"c:/USERS//{user.upper()}/traces of {user} on {computer}",
+                     "KOR_PATH": "C:\\Übung  視覚"}
+        code, report = self.prefix.json("report", "--redact", variables=variables)
+        self.assertEqual(code, 0)
+        self.assertEqual([setting["value"] for setting in report["settings"]][:3],
+                         ["%USERPROFILE%\\Temp", "%USERPROFILE%/traces of <user> on <computer>", "C:\\Übung  視覚"])
+        text = self.prefix.run("report", "--redact", variables=variables)[1].decode()
+        self.assertIn("%USERPROFILE%/traces of <user> on <computer>", text)
+        for name in (user, computer):
+            for value in (text, *texts(report)):
+                self.assertNotIn(name.lower(), value.lower())
 
     def test_a_tool_that_was_deleted(self):
         tool = self.prefix.path / "drive_c/Program Files/Vantrel Imaging/Tools/GaugeBench.exe"

@@ -1,0 +1,162 @@
+// What must hold of kordiag's answers whatever the installation is: a thousand of them, drawn at
+// random.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <objbase.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <iterator>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "diag/PageState.h"
+#include "tests/diag/Captured.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/TestInstallation.h"
+
+namespace {
+
+constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
+constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
+constexpr wchar_t Versions[] = L"Vantrel\\Vantrel Flow Forge\\Installed Versions";
+
+// Makes an installation in which anything may be missing or wrong.
+class RandomInstallation {
+public:
+    explicit RandomInstallation(std::mt19937& random) : m_random(random), m_isRight(Draw(8) == 0) {
+        const std::wstring versions(Versions);
+        const std::wstring install(Install);
+        SetAny(install, L"installdir", L"C:\\KorTest\\Lib\\");
+        SetAny(install + L"\\KOR", L"ExamplesRootPath", L"C:\\KorTest\\Ex");
+        SetAny(install + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\KorTest\\AEx");
+        SetAny(L"Vantrel\\Vantrel Flow Forge\\Install", L"InstallationPath", L"C:\\KorTest\\FF");
+        SetAny(versions + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF");
+        SetAny(versions + L"\\2.1", L"InstallationPath", L"C:\\KorTest\\FF");
+        SetAny(L"Wow6432Node\\" + versions + L"\\2.1", L"InstallationPath", L"C:\\KorTest\\FF");
+        SetAny(Library, L"KorVersion", L"1");
+        SetAny(Library, L"KORType", Draw(2) == 0 ? L"Development" : L"Runtime");
+        if (Draw(2) == 0) {
+            m_installed.MakeKey(std::wstring(Library) + L"\\RTX");
+        }
+        // What is there decides what else there might be.
+        MakeSomeTargets();
+        MakeSomeTargets();
+    }
+
+private:
+    std::size_t Draw(std::size_t count) { return m_random() % count; }
+
+    // The right text, or anything else.
+    void SetAny(const std::wstring& key, const wchar_t* value, const wchar_t* text) {
+        constexpr const wchar_t* Folders[] = {L"C:\\KorTest\\Lib", L"C:\\KorTest\\Gone\\", L""};
+        const DWORD number = 1;
+        switch (m_isRight ? 7 : Draw(8)) {
+        case 0:
+            break;
+        case 1:
+            m_installed.SetBytes(key, value, REG_DWORD, &number, sizeof number);
+            break;
+        case 2:
+            m_installed.SetText(L"Wow6432Node\\" + key, value, text);
+            break;
+        case 3:
+            m_installed.SetText(key, value, Folders[Draw(std::size(Folders))]);
+            break;
+        default:
+            m_installed.SetText(key, value, text);
+        }
+    }
+
+    // Seldom all, since files take the most time.
+    void MakeSomeTargets() {
+        const bool isWhole = m_isRight || Draw(10) == 0;
+        for (const wchar_t* const path :
+             {L"C:\\KorTest\\FF\\FlowForge.exe", L"C:\\KorTest\\Lib\\ActiveKOR\\Controls\\kor.ocx",
+              L"C:\\KorTest\\FF\\Tools\\FlowForgeRuntimeManager.exe",
+              L"C:\\KorTest\\Lib\\Tutorial videos\\a"}) {
+            if (isWhole || Draw(2) == 0) {
+                m_installed.MakeFile(path);
+            }
+        }
+        const PageState state;
+        for (const ControlCenterSection* const section : state.Page.Sections) {
+            for (const ControlCenterItem* const item : *section) {
+                const bool isHere = wcsncmp(item->Path.Text(), L"C:\\KorTest\\", 11) == 0;
+                if (isHere && !item->IsShown() && (isWhole || Draw(6) == 0)) {
+                    item->Type == ItemFolder ? m_installed.MakeFolder(item->Path.Text())
+                                             : m_installed.MakeFile(item->Path.Text());
+                }
+            }
+        }
+    }
+
+    test::TestInstallation m_installed;
+    std::mt19937& m_random;
+    bool m_isRight; // all of it
+};
+
+using Ids = std::vector<std::string>;
+
+// The ids of the links, in their order.
+Ids ShownOnPage(const std::string& page) {
+    constexpr std::string_view Opening = "<SPAN class=item id=";
+    Ids ids;
+    for (std::size_t at = page.find(Opening); at != page.npos; at = page.find(Opening, at)) {
+        at += Opening.size();
+        ids.push_back(page.substr(at, page.find(' ', at) - at));
+    }
+    return ids;
+}
+
+Ids ShownInCatalogue(const std::string& json) {
+    constexpr std::string_view Id = "\"id\":\"";
+    constexpr std::string_view Shown = "\"shown\":";
+    Ids ids;
+    for (std::size_t at = json.find(Id); at != json.npos; at = json.find(Id, at)) {
+        at += Id.size();
+        const std::string id = json.substr(at, json.find('"', at) - at);
+        if (json[json.find(Shown, at) + Shown.size()] == 't') {
+            ids.push_back(id);
+        }
+    }
+    return ids;
+}
+
+TEST(RandomInstallations, AreSeenAlikeByCheckCatalogueAndPage) {
+    const char* const given = std::getenv("KOR_TEST_SEED");
+    const auto seed =
+        given != nullptr ? static_cast<unsigned>(std::atoi(given)) : std::random_device()();
+    SCOPED_TRACE("KOR_TEST_SEED=" + std::to_string(seed));
+    std::mt19937 random(seed);
+    // Unit tests have no engine.
+    HOOK_IMPORT(engine, CoCreateInstance,
+                [](REFCLSID, LPUNKNOWN, DWORD, REFIID, LPVOID*) { return REGDB_E_CLASSNOTREG; });
+    int sound = 0;
+    for (int round = 0; round < 1000 && !testing::Test::HasFailure(); ++round) {
+        SCOPED_TRACE(round);
+        const RandomInstallation installation(random);
+        const std::string catalogue = test::OutputOf({L"catalogue", L"--json"});
+        const std::string page = test::OutputOf({L"page"});
+        const std::string check = test::OutputOf({L"check", L"--json"});
+        EXPECT_EQ(ShownInCatalogue(catalogue), ShownOnPage(page));
+        // The engine is the one error that each has.
+        const bool isSound = check.find("\"errors\":1,") != std::string::npos &&
+                             check.find("no-html-engine") != std::string::npos;
+        if (isSound) {
+            ++sound;
+            EXPECT_EQ(catalogue.find("\"shown\":false"), std::string::npos) << check;
+            EXPECT_NE(catalogue.find("\"shown\":true"), std::string::npos) << check;
+        } else {
+            EXPECT_NE(check.find("\"verdict\":\"broken\""), std::string::npos);
+        }
+    }
+    EXPECT_GT(sound, 0) << "the draw makes sound installations, too";
+    std::printf("seed %u: %d of 1000 installations are sound\n", seed, sound);
+}
+
+} // namespace

@@ -44,6 +44,13 @@ TEST_F(KeyLifetime, ANewKeyIsClosed) {
     EXPECT_FALSE(key.OpenResolved(true, false, true));
 }
 
+TEST_F(KeyLifetime, ANewKeyIsNotVolatile) {
+    test::RegistryCalls calls;
+    CRegistryKey key;
+    EXPECT_FALSE(key.OpenResolved(true, false, true));
+    EXPECT_EQ(calls.Calls(), Lines{"RegCreateKeyExW(null, , 0, -, 0, 20019, -, disposition)"});
+}
+
 TEST_F(KeyLifetime, OpeningForTheCurrentUserTakesThePerUserRoot) {
     test::RegistryCalls calls;
     {

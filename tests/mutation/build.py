@@ -3,6 +3,7 @@ import json
 import os
 import re
 import time
+from collections import Counter
 from pathlib import Path
 from typing import NamedTuple
 
@@ -56,6 +57,8 @@ class Build:
         self.chosen = chosen
         self.tests = None
         self.dependence = None
+        # How many faults of a file each test noticed.
+        self.noticed = Counter()
 
     def run(self, *command):
         result, output = self.processes.run(command, self.tree)
@@ -115,7 +118,8 @@ class Build:
 
     def noticing(self, fault, made):
         """Tests and what to build for each: those that start a program that is made from the
-        fault's file, of the file's own folder first, and those that do not say what they start."""
+        fault's file, and those that do not say what they start. First those that noticed most of
+        the file's faults, then those of its own folder."""
         files = {str(path) for path in made}
         tests = []
         for test in self.tests:
@@ -125,7 +129,8 @@ class Build:
                 tests.append((test, [os.path.relpath(name, self.folder) if programs else name
                                      for name in needed]))
         own = f"tests/{Path(fault.path).parent.name}/"
-        return sorted(tests, key=lambda pair: not any(own in target for target in pair[1]))
+        return sorted(tests, key=lambda pair: (-self.noticed[fault.path, pair[0].name],
+                                               not any(own in target for target in pair[1])))
 
     def try_fault(self, fault):
         """What becomes of the fault: ("not viable" | "killed" | "survived", what noticed)."""
@@ -149,6 +154,7 @@ class Build:
                 return "not viable", first_error(output)
             noticed = self.notices(test)
             if noticed is not None:
+                self.noticed[fault.path, test.name] += 1
                 return "killed", noticed
         return "survived", ""
 

@@ -14,7 +14,7 @@ from dependence import read_deps, read_graph
 from draw import Chosen, Sample, by_line, folder_of, shares
 from equivalents import Equivalents, as_entry
 from fault import Fault
-from mutate import Run, survivors
+from mutate import Run, noticed_before, survivors
 from processes import Processes
 from record import Record, Result
 from report import report
@@ -159,6 +159,21 @@ class TryingFaults(InAFolder):
         self.assertEqual(self.try_with_script("echo '[  FAILED  ] A.B'; test -n \"$2\""),
                          (("killed", "script A.B"), ["", "--gtest_filter=A.B", ""]))
 
+    def test_the_test_that_noticed_most_faults_of_the_file_comes_first(self):
+        self.build.tests.append(Test({"name": "two", "command": ["/bin/true", str(self.program)]}))
+
+        def asked():
+            order = self.build.noticing(fault(), {self.program})
+            return [test.name for test, _ in order]
+        self.assertEqual(asked(), ["one", "two"])
+        self.build.noticed["base/a.cpp", "two"] = 2
+        self.assertEqual(asked(), ["two", "one"])
+        for _ in range(3):
+            self.build.noticed["base/a.cpp", "two"] = 0
+            self.build.try_fault(Fault("base/a.cpp", 1, 0, 3, "", "text", ""))
+        self.build.noticed["base/a.cpp", "two"] = 2
+        self.assertEqual(asked(), ["one", "two"])
+
     def test_a_test_that_starts_another_program_is_not_run(self):
         (self.root / "base/b.cpp").write_text("b")
         self.assertEqual(self.build.try_fault(Fault("base/b.cpp", 1, 0, 1, "", "text", "")),
@@ -242,8 +257,9 @@ class Equivalence(InAFolder):
 class Judge:
     """Instead of a worker: says what becomes of each fault by what it puts in."""
 
-    def __init__(self, verdicts, later="survived"):
+    def __init__(self, verdicts, later="survived", noticed=""):
         self.verdicts = verdicts
+        self.noticed = noticed
         self.later = later
         self.asked = []
 
@@ -252,7 +268,7 @@ class Judge:
 
     def judge(self, one, place):
         self.asked.append(one.new)
-        return Result(one, self.verdicts[one.new], "", 1, place)
+        return Result(one, self.verdicts[one.new], self.noticed, 1, place)
 
     def judge_by_programs(self, one, place):
         self.asked.append(f"programs: {one.new}")
@@ -299,6 +315,19 @@ class Runs(InAFolder):
         self.assertEqual(self.run_with(Chosen(faults), judge),
                          [("x", "killed"), ("y", "survived"), ("z", "killed")])
         self.assertEqual(judge.asked, ["x", "z", "y", "programs: x"])
+
+    def test_leave_out_what_is_listed_as_equivalent(self):
+        one = fault("app/a.cpp", new="x")
+        entry = {**as_entry(one, self.TEXTS[one.path]), "reason": "why"}
+        (self.root / "list").write_text(json.dumps([entry]))
+        judge = Judge({})
+        self.assertEqual(self.run_with(Chosen([one]), judge), [("x", "survived")])
+        self.assertEqual(judge.asked, [])
+
+    def test_know_what_noticed_faults_before(self):
+        self.run_with(Chosen([fault(new=new) for new in "xyz"]),
+                      Judge({"x": "killed", "y": "survived", "z": "killed"}, noticed="one A.B"))
+        self.assertEqual(noticed_before(self.root), {("base/a.cpp", "one"): 2})
 
     def test_show_it_to_them_once(self):
         self.run_with(Chosen([fault("app/a.cpp", new="x")]), Judge({"x": "survived"}))

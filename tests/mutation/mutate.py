@@ -5,12 +5,13 @@ import signal
 import sys
 import threading
 import traceback
+from collections import Counter
 
 from draw import Chosen, Sample
 from equivalents import Equivalents, as_entry, identity
 from fault import read_source
 from processes import Stopped
-from record import NOT_VIABLE, SURVIVED, Record
+from record import NOT_VIABLE, SURVIVED, Record, Result
 from report import report, unlisted_survivors
 from tree import fingerprint, processors, root_of_the_project
 from worker import Worker, is_left_to_programs
@@ -45,11 +46,18 @@ class Run:
         """What each worker does, at the same time as the others."""
         worker.start()
         while (fault := self.next()) is not None:
-            result = self.record.find(fault)
+            result = self.record.find(fault) or self.listed(fault)
             if result is None:
                 result = worker.judge(fault, identity(fault, self.texts[fault.path]))
                 self.record.keep(result)
             self.finish(result)
+
+    def listed(self, fault):
+        """For a fault that is listed as equivalent, which is not tried."""
+        text = self.texts[fault.path]
+        if not self.equivalents.reason(fault, text):
+            return None
+        return Result(fault, SURVIVED, "listed as equivalent", 0, identity(fault, text))
 
     def show_to_programs(self, worker):
         """What one worker does at the end, as few are left."""
@@ -79,6 +87,13 @@ def survivors(texts, faults, place, equivalents):
     return [fault for fault in faults
             if verdicts.get(identity(fault, texts[fault.path])) == SURVIVED
             and not equivalents.reason(fault, texts[fault.path])]
+
+
+def noticed_before(place):
+    """How many faults of each file each test noticed in earlier runs."""
+    return Counter((result.fault.path, result.noticed.split()[0])
+                   for file in place.glob("results-*.jsonl")
+                   for result in Record(file).results.values() if result.verdict == "killed")
 
 
 def options():
@@ -115,6 +130,8 @@ def main():
     run = Run(texts, sample, Record(place / f"results-{mark}.jsonl"), equivalents)
     workers = [Worker(root, place / f"copy-{number}", mark, processor)
                for number, processor in enumerate(processors()[:2])]
+    for worker in workers:
+        worker.units.noticed.update(noticed_before(place))
     threads = [threading.Thread(target=run.attempt, args=[run.work, worker]) for worker in workers]
 
     def stop(*_):

@@ -10,7 +10,7 @@ from record import NOT_VIABLE, SURVIVED, Result
 from tree import copy_tree
 
 # What is seen only in the finished programs is asked of these, when no unit test notices.
-FINISHED = re.compile(r"endtoend\.(Development|Links)|kordiag\.page")
+FINISHED = re.compile(r"endtoend\.(Development|Links)|kordiag\.(page|reading)")
 FOLDERS_SEEN_THERE = ("app", "page", "catalogue")
 ASKED = "nor do the finished programs"
 

@@ -214,6 +214,24 @@ TEST(CTable1D, AnElementOfTheTableCanBeAppendedToIt) {
     EXPECT_EQ(table[5], L"first");
 }
 
+// Knows how many copies lie between it and the first one.
+struct Copied {
+    Copied() = default;
+    Copied(const Copied& other) : Copies(other.Copies + 1) {}
+    Copied& operator=(const Copied&) = default;
+
+    int Copies = 0;
+};
+
+TEST(CTable1D, OnlyAnElementOfTheTableIsCopiedBeforeItIsAppended) {
+    CTable1D<Copied> table;
+    table.Reserve(2);
+    table.Add(Copied());
+    EXPECT_EQ(table[0].Copies, 0) << "only assigned";
+    table.Add(table[0]);
+    EXPECT_EQ(table[1].Copies, 1);
+}
+
 TEST(CTable1D, MovingHandsTheStorageOver) {
     Table from;
     from.Add(1);

@@ -165,6 +165,15 @@ TEST_F(KeyLifetime, AFailedOpeningGivesThePerUserRootBack) {
     EXPECT_EQ(calls.HandleFaults(), "");
 }
 
+TEST_F(KeyLifetime, WhatAFailedOpeningLeavesBehindIsNoHandle) {
+    HOOK_IMPORT(open, RegOpenKeyExW, [](HKEY, LPCWSTR, DWORD, REGSAM, PHKEY result) -> LSTATUS {
+        *result = reinterpret_cast<HKEY>(0x5000);
+        return ERROR_ACCESS_DENIED;
+    });
+    const CRegistryKey key(MachineKey);
+    EXPECT_FALSE(key.IsOpen());
+}
+
 TEST_F(KeyLifetime, ResolvedOpeningRefusesAnOpenKey) {
     CRegistryKey key(MachineKey);
     test::RegistryCalls calls;

@@ -129,8 +129,8 @@ Ids ShownInCatalogue(const std::string& json) {
 
 TEST(RandomInstallations, AreSeenAlikeByCheckCatalogueAndPage) {
     const char* const given = std::getenv("KOR_TEST_SEED");
-    const auto seed =
-        given != nullptr ? static_cast<unsigned>(std::atoi(given)) : std::random_device()();
+    // The same installations on every run, unless others are asked for.
+    const unsigned seed = given != nullptr ? static_cast<unsigned>(std::atoi(given)) : 1000;
     SCOPED_TRACE("KOR_TEST_SEED=" + std::to_string(seed));
     std::mt19937 random(seed);
     // Unit tests have no engine.

@@ -21,7 +21,7 @@ kor_test_packages=(
 )
 kor_lint_packages=(
     g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 cmake ninja-build python3
-    googletest clang-format-19 clang-tidy-19 shellcheck flake8
+    git googletest clang-format-19 clang-tidy-19 shellcheck flake8
 )
 kor_mutation_packages=(
     "${kor_test_packages[@]}"

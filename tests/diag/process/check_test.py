@@ -181,21 +181,6 @@ class EachFault(Check):
         self.assertEqual(self.prefix.export_registry(), before)
 
 
-class NothingInstalled(Check):
-    def test_is_one_finding(self):
-        self.prefix = Prefix(PROGRAM)
-        self.addCleanup(self.prefix.close)
-        environment = self.prefix.prefix.environment
-        overrides = environment["WINEDLLOVERRIDES"]
-        # Wine's own HTML engine may offer to fetch its renderer, and wait for an answer.
-        environment["WINEDLLOVERRIDES"] = overrides + ";mshtml=d"
-        self.assertEqual(self.findings(), [("error", "nothing-installed", ["library"],
-                                            "the registry has neither a library version nor an install folder")])
-        environment["WINEDLLOVERRIDES"] = overrides
-        self.prefix.install("development")
-        self.assertEqual(self.check("--strict")["findings"], [])
-
-
 def missing(found, *subjects, severity="error", kind="folder"):
     return severity, "target-missing", list(subjects), f"the {kind} {found} does not exist"
 

@@ -1,3 +1,4 @@
+// What the application does when it starts.
 #include "app/CkorcontrolcenterApp.h"
 
 #include <commctrl.h>

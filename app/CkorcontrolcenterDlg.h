@@ -19,8 +19,8 @@ public:
 
     BOOL OnInitDialog() override;
     void OnDocumentComplete(LPDISPATCH pDisp, LPCTSTR szUrl) override;
-    // The page's keys: F5 fills the page again, Alt+F4 quits. Every other key is taken from the
-    // page, which is to be clicked only.
+    // The page's keys: F5 fills the page again from the folders of the start, Alt+F4 quits. Every
+    // other key is taken from the page, which is to be clicked only.
     HRESULT STDMETHODCALLTYPE TranslateAccelerator(LPMSG lpMsg, const GUID* pguidCmdGroup,
                                                    DWORD nCmdID) override;
 
@@ -50,5 +50,5 @@ private:
     HICON m_icon;
     std::int64_t m_workAreaWidth;
     std::int64_t m_workAreaHeight;
-    std::int64_t m_titleLength; // kept, never read: intended
+    std::int64_t m_titleLength; // never read: docs/quirks.md
 };

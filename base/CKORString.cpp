@@ -1,3 +1,4 @@
+// The string's operations; those of a table are in CTable1D.h.
 #include "base/CKORString.h"
 
 #include <algorithm>

@@ -45,11 +45,11 @@ public:
 
     // A count of -1 means to the end, which of a string without storage gives one without storage.
     // Start and count must lie within the string.
-    CKORString Mid(std::int64_t start, std::int64_t count = -1) const;
-    CKORString Left(std::int64_t count) const;
+    [[nodiscard]] CKORString Mid(std::int64_t start, std::int64_t count = -1) const;
+    [[nodiscard]] CKORString Left(std::int64_t count) const;
 
     // Every delimiter character ends a token; empty tokens are kept. An empty string has none.
-    CTable1D<CKORString> Split(const CKORString& delimiters) const;
+    [[nodiscard]] CTable1D<CKORString> Split(const CKORString& delimiters) const;
 
     // Never null.
     const wchar_t* Text() const { return m_count > 0 ? m_data : L""; }

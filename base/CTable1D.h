@@ -104,7 +104,7 @@ protected:
     T* m_data = nullptr;
     std::int64_t m_count = 0;
     std::int64_t m_capacity = 0;
-    // Intended: by one, a new storage with each element that is added.
+    // By one, a new storage with each element that is added: docs/quirks.md.
     std::int64_t GrowBy = 1;
     std::int64_t InitialGrowBy = 1;
     std::int64_t GrowthFactor = 1;

@@ -1,3 +1,4 @@
+// Shows a fatal message where a user sees it.
 #include "base/ReportFatalError.h"
 
 #include <windows.h>
@@ -46,8 +47,7 @@ LPWSTR AsMutable(const wchar_t* text) {
 int ReportFatalError(const wchar_t* message, const wchar_t* caption, unsigned int style) {
     const DWORD session = SessionOfThisProcess();
     const DWORD consoleSession = WTSGetActiveConsoleSessionId();
-    // The comparison with 0 alone is intended: without a console (0xFFFFFFFF) the message still
-    // goes to the terminal services.
+    // Only compared with 0: docs/quirks.md.
     if (session == 0 && consoleSession != 0) {
         return static_cast<int>(
             SendToSession(consoleSession, AsMutable(caption), AsMutable(message), style));

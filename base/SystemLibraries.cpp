@@ -1,3 +1,4 @@
+// Loads libraries from the system's folder only.
 #include "base/SystemLibraries.h"
 
 #include <cwchar>

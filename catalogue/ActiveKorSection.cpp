@@ -1,3 +1,4 @@
+// The section of ActiveKOR, which is there when its control is installed.
 #include "catalogue/ItemTable.h"
 #include "catalogue/SectionBuilders.h"
 
@@ -8,8 +9,7 @@ constexpr wchar_t Title[] = L"ActiveKOR";
 using I = Installation;
 
 constexpr ItemRow<I> Items[] = {
-    // Named without the maker and written with a forward slash, unlike in Quick Start: intended,
-    // as is the blank before the argument.
+    // Written unlike the one in Quick Start: docs/quirks.md.
     {L"Sample Gallery",
      &I::InstallDir,
      L"Tools/SampleGallery.exe",

@@ -1,3 +1,4 @@
+// Builds the catalogue, places its sections, and finds an item by its id.
 #include "catalogue/Catalogue.h"
 
 #include <cwchar>

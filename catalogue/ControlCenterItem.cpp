@@ -1,3 +1,4 @@
+// Makes an item with its id.
 #include "catalogue/ControlCenterItem.h"
 
 #include <algorithm>
@@ -21,8 +22,7 @@ ControlCenterItem::ControlCenterItem(const ControlCenterSection* section, const 
     Type = type;
     LongestLabelLength = std::max(LongestLabelLength, Label.Length());
     Id = CKORString::Format(L"%s_%d", section->Key.Text(), static_cast<int>(section->Count()));
-    // Catalogue::FindItem compares with the unchanged key, so an id that had blanks never finds its
-    // section: intended.
+    // Catalogue::FindItem compares with the unchanged key: docs/quirks.md.
     std::replace(Id.begin(), Id.end(), L' ', L'-');
 }
 

@@ -17,7 +17,8 @@ enum ControlCenterItemType : std::int32_t {
     ItemHelpTopic = 4,       // the help viewer with Path immediately followed by Arguments
 };
 
-// The longest label, in characters, of all items that were ever made. Nothing reads it: intended.
+// The longest label, in characters, of all items that were ever made. Nothing reads it:
+// docs/quirks.md.
 extern std::int64_t LongestLabelLength;
 
 // An item takes its id from the number of items that its section holds at that moment, so it is

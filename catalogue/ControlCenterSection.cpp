@@ -1,3 +1,4 @@
+// Makes a section's markup of its items.
 #include "catalogue/ControlCenterSection.h"
 
 namespace {
@@ -15,7 +16,7 @@ ControlCenterSection::~ControlCenterSection() {
     DeleteAll(*this);
 }
 
-// Texts are inserted as they are, without escaping: intended.
+// Inserts texts as they are, without escaping: docs/quirks.md.
 CKORString ControlCenterSection::ComposeSectionHtml() {
     CKORString list;
     std::int64_t shown = 0;
@@ -32,6 +33,6 @@ CKORString ControlCenterSection::ComposeSectionHtml() {
         return CKORString();
     }
     ShownItemCount = shown;
-    // The id is the title with its blanks: intended.
+    // The id is the title with its blanks: docs/quirks.md.
     return CKORString::Format(SectionMarkup, Title.Text(), Title.Text(), list.Text());
 }

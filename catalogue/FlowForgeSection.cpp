@@ -1,3 +1,4 @@
+// The section of the one Flow Forge that the installation names.
 #include "catalogue/ItemTable.h"
 #include "catalogue/SectionBuilders.h"
 

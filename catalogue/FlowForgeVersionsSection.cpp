@@ -1,3 +1,4 @@
+// A section for each installed version of Flow Forge, in either view of the registry.
 #include <cstdlib>
 #include <cwchar>
 
@@ -38,7 +39,7 @@ constexpr ItemRow<V> ProductItems[] = {
     {L"Vantrel Flow Forge", &V::InstallFolder, L"FlowForge.exe", ItemProgram},
     {L"Velnora utility", &V::ExamplesFolder,
      L"/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/Velnora.exe", ItemProgram},
-    // "Help file" goes with the user guide's file and "User Guide" with the help's: intended.
+    // The labels of the two are crossed: docs/quirks.md.
     {L"Vantrel Flow Forge Help file",
      &V::InstallFolder,
      L"Documentation/FlowForgeUserGuide.chm",
@@ -60,17 +61,15 @@ constexpr ItemRow<V> RuntimeManagerItem[] = {
     {L"Flow Forge Runtime Manager", &V::RuntimeManagerPath, L"", ItemProgram},
 };
 
-// Down into a listed subkey and back up. A subkey that cannot be opened is not noticed: the key is
-// closed then, so no value is found in it, and the way up leads one level higher, where the rest of
-// the pass finds nothing. Accepted.
+// Goes down into a listed subkey and back up, whether or not it could be opened: docs/quirks.md.
 class VisitedSubKey {
 public:
     VisitedSubKey(CRegistryKey& key, const CKORString& name) : m_key(key) {
-        m_key.OpenRelative(name);
+        static_cast<void>(m_key.OpenRelative(name));
     }
     VisitedSubKey(const VisitedSubKey&) = delete;
     VisitedSubKey& operator=(const VisitedSubKey&) = delete;
-    ~VisitedSubKey() { m_key.OpenRelative(L".."); }
+    ~VisitedSubKey() { static_cast<void>(m_key.OpenRelative(L"..")); }
 
 private:
     CRegistryKey& m_key;
@@ -115,7 +114,7 @@ bool ReadFolders(CRegistryKey& key, Version& version) {
         return false;
     }
     key.ReadString(InstallationPathValue, version.InstallFolder);
-    // Also behind one that is there already: intended.
+    // Also behind one that is there already: docs/quirks.md.
     version.InstallFolder += L"\\";
     if (key.ValueExists(ExamplesPathValue)) {
         key.ReadString(ExamplesPathValue, version.ExamplesFolder);
@@ -148,8 +147,7 @@ void AddVersionSection(Catalogue& catalogue, const Version& version, bool is32Bi
                                  Looked::AtFile, program, nullptr, KeyOf(version.Name, is32Bit)});
         return;
     }
-    // The key does not tell the views apart, so a click on a version that both list finds the
-    // 64-bit section: intended.
+    // The key does not tell the two views apart: docs/quirks.md.
     ControlCenterSection& section = AddSection(catalogue, L"FLOWFORGE-" + version.Name, title);
     if (kor::PathExists(program.Text())) {
         AddItems(catalogue, section, ProductItems, version);
@@ -161,7 +159,7 @@ void AddVersionSection(Catalogue& catalogue, const Version& version, bool is32Bi
 
 void BuildFlowForgeVersionsSection(Catalogue& catalogue, bool is32Bit) {
     CRegistryKey key;
-    // A probe without a use: intended.
+    // A probe without a use: docs/quirks.md.
     if (key.Open(ActiveRuntimeKey, false)) {
         key.Close(false);
     }

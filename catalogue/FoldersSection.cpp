@@ -1,3 +1,4 @@
+// The section of the library's folders.
 #include "catalogue/ItemTable.h"
 #include "catalogue/SectionBuilders.h"
 
@@ -10,7 +11,7 @@ constexpr ItemRow<I> Items[] = {
     {L"KOR examples", &I::KorExamplesRoot, L"", ItemFolder},
     {L"KOR images", &I::InstallDir, L"Images", ItemFolder},
     {L"KOR predefined Contexts", &I::InstallDir, L"contexts", ItemFolder},
-    // The forward slashes are intended.
+    // The last two have forward slashes: docs/quirks.md.
     {L"Corvane DTK directory", &I::KorExamplesRoot, L"/CorvaneDTK", ItemFolder},
     {L"Sorbel DTK directory", &I::KorExamplesRoot, L"/SorbelDTK", ItemFolder},
 };

@@ -1,3 +1,4 @@
+// The section of the tools that everybody needs.
 #include <windows.h>
 
 #include <shlwapi.h>
@@ -16,7 +17,7 @@ using I = Installation;
 constexpr ItemRow<I> Items[] = {
     {L"KORConfig", &I::InstallDir, L"Tools\\KorConfig.exe", ItemProgram},
     {L"Vantrel Framewright", &I::InstallDir, L"Framewright\\Framewright.exe", ItemProgram},
-    // The other label is seen only when the target is a folder: intended.
+    // The other label is seen only when the target is a folder: docs/quirks.md.
     {L"Vantrel TimeScope",
      &I::InstallDir,
      L"Tools\\TimeScope.exe",

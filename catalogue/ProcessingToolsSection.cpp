@@ -1,3 +1,4 @@
+// The section of the tools for processing images.
 #include "catalogue/ItemTable.h"
 #include "catalogue/SectionBuilders.h"
 
@@ -5,7 +6,7 @@ namespace {
 
 using I = Installation;
 
-// The forward slashes are intended.
+// With forward slashes: docs/quirks.md.
 constexpr ItemRow<I> Items[] = {
     {L"KOR Wingman", &I::InstallDir, L"KOR Wingman/korwingman.exe", ItemProgram},
     {L"Vantrel Symbol Decoder", &I::InstallDir, L"Tools/SymbolDecoder.exe", ItemProgram},

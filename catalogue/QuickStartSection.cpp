@@ -1,3 +1,4 @@
+// The section of what somebody opens first.
 #include "catalogue/ItemTable.h"
 #include "catalogue/SectionBuilders.h"
 
@@ -11,7 +12,7 @@ constexpr wchar_t WhatsNewTopic[] =
     L"::/redirect.xhtm#z_KOR_Readme_whatsnew_processing.chm::/whatsnew_processing.htm";
 
 constexpr ItemRow<I> Items[] = {
-    // The argument begins with a blank: intended.
+    // The argument begins with a blank: docs/quirks.md.
     {L"Vantrel Sample Gallery",
      &I::InstallDir,
      L"Tools\\SampleGallery.exe",

@@ -1,3 +1,4 @@
+// The section of the real-time variant, which is there when its registry key is.
 #include "catalogue/ItemTable.h"
 #include "catalogue/SectionBuilders.h"
 #include "registry/CRegistryKey.h"
@@ -11,7 +12,7 @@ constexpr wchar_t Title[] = L"KOR for RTOS";
 using I = Installation;
 
 constexpr ItemRow<I> Items[] = {
-    // The program of General Tools in its other mode, written with a forward slash: intended.
+    // The program of General Tools in its other mode, with a forward slash: docs/quirks.md.
     {L"KORConfig for RTOS", &I::InstallDir, L"Tools/KorConfig.exe", ItemProgram, L"-rtxmode"},
     {L"KOR RTOS Examples", &I::KorExamplesRoot, L"KORRTOS", ItemFolder, L"", {}, Join::PathPiece},
 };

@@ -25,3 +25,11 @@ function(kor_test name)
     endif()
     set_tests_properties(${name} PROPERTIES TIMEOUT 300)
 endfunction()
+
+# kor_beside(NAME FILES...): copies of the files in the folder of the test program NAME, where
+# test::BesideProgram finds them on whatever machine.
+function(kor_beside name)
+    set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${ARGN})
+    add_custom_command(TARGET ${name} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${ARGN} $<TARGET_FILE_DIR:${name}>)
+endfunction()

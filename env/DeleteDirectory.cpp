@@ -1,3 +1,4 @@
+// Walks through a folder and deletes what is in it.
 #include "env/DeleteDirectory.h"
 
 #include <windows.h>
@@ -25,10 +26,10 @@ bool DeleteEntry(const FileFinder& finder, const wchar_t* path, bool clearAttrib
         return RemoveDirectoryW(path) != FALSE;
     }
     if (finder.IsDirectory()) {
-        // Intended: in subdirectories read-only files stay, whatever the mode.
+        // There, read-only files stay, whatever the mode: docs/quirks.md.
         const bool isDeleted = DeleteDirectory(path);
         if (isDeleted) {
-            // Usually it is gone already; intended.
+            // Usually it is gone already: docs/quirks.md.
             RemoveDirectoryW(path);
         }
         return isDeleted;

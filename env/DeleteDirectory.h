@@ -11,8 +11,8 @@
 // leads to is not touched. The path that is given is emptied, link or not.
 
 // Fails on a read-only file.
-bool DeleteDirectory(const wchar_t* path);
+[[nodiscard]] bool DeleteDirectory(const wchar_t* path);
 
 // With mode 1, read-only files directly in the directory are deleted too; those in its
 // subdirectories still make it fail.
-bool DeleteDirectoryForced(const wchar_t* path, int mode);
+[[nodiscard]] bool DeleteDirectoryForced(const wchar_t* path, int mode);

@@ -1,3 +1,4 @@
+// Takes the pattern of a search apart, and joins the full path of each entry.
 #include "env/FileFinder.h"
 
 #include <cstdlib>
@@ -90,7 +91,7 @@ std::int64_t FileFinder::LastWriteTime() const {
 }
 
 bool FileFinder::IsDots() const {
-    // That "a..b" is skipped too is intended.
+    // Skips "a..b" too: docs/quirks.md.
     const wchar_t* const name = Name();
     return std::wcscmp(name, L".") == 0 || std::wcsstr(name, L"..") != nullptr ||
            std::wcsstr(name, L"\\.") != nullptr || std::wcsstr(name, L".\\") != nullptr;
@@ -100,7 +101,7 @@ bool FileFinder::ClearReadOnly() const {
     if (!IsReadOnly()) {
         return true;
     }
-    // The bare name, relative to the current directory, is intended.
+    // The bare name, not the full path: docs/quirks.md.
     const DWORD attributes = m_data.dwFileAttributes & ~DWORD{FILE_ATTRIBUTE_READONLY};
     return SetFileAttributesW(Name(), attributes) != FALSE;
 }

@@ -19,10 +19,10 @@ public:
     // Starts a new search and stands on its first entry. Backslashes at the pattern's end are not
     // part of what is searched for, but they stay in the directory prefix. The pattern may be one
     // of this object's own texts.
-    bool FindFirst(const wchar_t* pattern);
+    [[nodiscard]] bool FindFirst(const wchar_t* pattern);
 
     // Goes to the next entry. ERROR_NO_MORE_FILES is the regular end.
-    bool FindNext();
+    [[nodiscard]] bool FindNext();
 
     // Ends the search, if there is one.
     void Close();
@@ -54,14 +54,14 @@ public:
 
     // Takes the read-only attribute from the file of the entry's bare name in the process's current
     // directory. True when the entry does not have the attribute.
-    bool ClearReadOnly() const;
+    [[nodiscard]] bool ClearReadOnly() const;
 
 private:
     static constexpr int FieldSize = 1024;
 
     bool HasAttribute(DWORD attribute) const { return (m_data.dwFileAttributes & attribute) != 0; }
-    bool KeepDirectoryPrefix(const wchar_t* pattern);
-    bool BuildFullPath();
+    [[nodiscard]] bool KeepDirectoryPrefix(const wchar_t* pattern);
+    [[nodiscard]] bool BuildFullPath();
 
     HANDLE m_search = nullptr;
     wchar_t m_directoryPrefix[FieldSize] = L"";

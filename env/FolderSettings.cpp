@@ -1,3 +1,4 @@
+// Asks the sources of a setting in their order.
 #include "env/FolderSettings.h"
 
 #include <windows.h>

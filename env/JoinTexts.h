@@ -11,7 +11,7 @@
 // their terminator: the buffer is unchanged then, and the thread's last error is
 // ERROR_FILENAME_EXCED_RANGE. Neither text may lie in the buffer.
 template <std::size_t Size>
-bool JoinTexts(wchar_t (&buffer)[Size], const wchar_t* first, const wchar_t* second) {
+[[nodiscard]] bool JoinTexts(wchar_t (&buffer)[Size], const wchar_t* first, const wchar_t* second) {
     const std::size_t firstLength = std::wcslen(first);
     const std::size_t secondLength = std::wcslen(second);
     if (firstLength >= Size || secondLength >= Size - firstLength) {

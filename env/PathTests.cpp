@@ -1,3 +1,4 @@
+// Answers from the attributes of a file.
 #include "env/PathTests.h"
 
 #include <windows.h>

@@ -1,3 +1,4 @@
+// Composes the page's markup and adds up its rows.
 #include "page/ControlCenterPage.h"
 
 #include <algorithm>
@@ -69,7 +70,7 @@ void ControlCenterPage::ComposePage(CTable1D<std::int64_t>* rowHeights) {
         WindowHeight += rows[row];
         PageHtml += rowClosing;
     }
-    // Also when no opening was written: intended.
+    // Also when no opening was written: docs/quirks.md.
     PageHtml += GridClosing;
 }
 
@@ -79,7 +80,7 @@ void ControlCenterPage::ComposeCell(std::int64_t row, std::int64_t column, CKORS
     html += CellOpeningRest;
     ControlCenterSection* const section = FindSection(row, column);
     if (section == nullptr) {
-        // A cell without a section stays open: intended.
+        // The cell stays open: docs/quirks.md.
         return;
     }
     html += section->ComposeSectionHtml();

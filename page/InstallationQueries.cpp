@@ -1,3 +1,4 @@
+// Reads the registry's answers to the questions.
 #include "page/InstallationQueries.h"
 
 #include "registry/CRegistryKey.h"
@@ -29,7 +30,7 @@ Answer AskPath(const CKORString& path, const wchar_t* valueName) {
 
 Answer AskByOpening(const InstallationQuery& query) {
     CRegistryKey key;
-    key.Open(query.Key, false);
+    static_cast<void>(key.Open(query.Key, false)); // the next line asks IsOpen
     return ReadAndClose(key, query.Value);
 }
 
@@ -46,8 +47,7 @@ CKORString QueryInstallFolder() {
 CKORString QueryFlowForgeInstallFolder() {
     Answer answer = AskByOpening(FlowForgeInstallFolderQuery);
     if (answer.Exists) {
-        // Also behind a backslash that is there already, and alone when the value is no text:
-        // intended.
+        // Also behind one that is there, and alone when the value is no text: docs/quirks.md.
         answer.Text += L"\\";
     }
     return answer.Text;

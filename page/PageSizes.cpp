@@ -1,3 +1,4 @@
+// Measures the screen and computes the sizes.
 #include "page/PageSizes.h"
 
 #include <windows.h>
@@ -40,13 +41,13 @@ PageSizes ComputePageSizes(const ScreenMetrics& metrics) {
         sizes.ItemHeight = sizes.ItemHeight * metrics.Dpi / UnscaledDpi;
         sizes.BaseWidth = ScaledBaseWidth;
     } else {
-        // The frame's height in a width, and its width in the height below: intended.
+        // The frame's height in a width, and its width in the height below: docs/quirks.md.
         sizes.BaseWidth =
             metrics.VerticalScrollBarWidth + 2 * (metrics.DialogFrameHeight + HalfPageWidth);
     }
     sizes.BaseHeight = metrics.MenuHeight + std::int64_t{2} * metrics.DialogFrameWidth +
                        HeightAboveTheRows + metrics.HorizontalScrollBarHeight;
-    // One pixel less at exactly 144 DPI: intended.
+    // One pixel less at exactly 144 DPI: docs/quirks.md.
     sizes.WindowWidth = metrics.Dpi == 144 ? sizes.BaseWidth - 1 : sizes.BaseWidth;
     sizes.WindowHeight = sizes.BaseHeight;
     return sizes;

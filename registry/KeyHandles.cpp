@@ -1,3 +1,4 @@
+// One system call for each operation on a bare handle.
 #include "registry/KeyHandles.h"
 
 namespace kor {

@@ -14,7 +14,7 @@ CRegistryKey::CRegistryKey() : m_rtxLayout(RtxModeOfProcess) {}
 CRegistryKey::CRegistryKey(const CKORString& path, bool create) : CRegistryKey() {
     m_constructedWithPath = true;
     m_isConstructing = true;
-    Open(path, create);
+    static_cast<void>(Open(path, create)); // IsOpen tells
     m_isConstructing = false;
 }
 
@@ -66,7 +66,7 @@ HKEY CRegistryKey::OpenAtSystem(bool create, bool write) {
     if (create) {
         const DWORD options = VolatileClass != 0 ? REG_OPTION_VOLATILE : REG_OPTION_NON_VOLATILE;
         DWORD disposition = 0;
-        // Intended: read access only, whoever writes reopens the key first.
+        // For reading only: docs/quirks.md.
         result = RegCreateKeyExW(m_root, m_subKey.Text(), 0, nullptr, options,
                                  m_extraAccess | KEY_READ, nullptr, &handle, &disposition);
         m_isFlushDue = m_isFlushDue || result == ERROR_SUCCESS;

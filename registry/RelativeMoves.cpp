@@ -43,7 +43,7 @@ bool MoveText(CKORString& subKey, const wchar_t* path) {
             return true;
         }
     }
-    // Intended: ".." further on is not interpreted.
+    // A ".." further on is not interpreted: docs/quirks.md.
     AppendComponent(subKey, path);
     return true;
 }
@@ -101,6 +101,6 @@ bool CRegistryKey::ReturnTo(const CKORString& start) {
     }
     // Once more, so that one refused call does not leave the object closed.
     m_subKey = start;
-    OpenResolved(false, false, true);
+    static_cast<void>(OpenResolved(false, false, true));
     return false;
 }

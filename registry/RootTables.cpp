@@ -18,9 +18,7 @@ using Id = SymbolicRootId;
 #define KOR_RTX_USER KOR_KEY KOR_LIBRARY L"RTXUser\\"
 #define KOR_KEY_32 L"Software\\Wow6432Node\\Vantrel\\"
 
-// Intended: the real-time layout keeps the current user's roots under the local machine; root 6 has
-// no name, no volatile class, and its "volatile" key lies in root 5; root 7 names the 32-bit view
-// by its literal path and shares class 3; root 8 has class 7.
+// Roots 2, 4 and 6 to 8 break the pattern: docs/quirks.md.
 constexpr SymbolicRoot SymbolicRoots[] = {
     {Id::LocalMachineRuntime,
      L"M_KOR_HKEY_LOCAL_MACHINE_RUNTIME",

@@ -1,3 +1,4 @@
+// Operations on the library's strings.
 #include "registry/StringUtilities.h"
 
 #include <algorithm>

@@ -12,7 +12,7 @@ bool AppendPathPiece(CKORString& path, const CKORString& piece);
 namespace kor {
 
 // The last characters of the text; the whole text when it has no more than that many.
-CKORString LastCharacters(const CKORString& text, std::int64_t count);
+[[nodiscard]] CKORString LastCharacters(const CKORString& text, std::int64_t count);
 
 // Cuts the text to the length, or fills it up to it with the pad character. A length below 0 is 0.
 void ChangeLength(CKORString& text, std::int64_t length, wchar_t pad);

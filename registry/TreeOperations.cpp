@@ -38,7 +38,8 @@ bool CRegistryKey::DeleteSubKey(const CKORString& path) {
         AppendPathPiece(parentPath, path.Left(separator - path.Text()));
         CRegistryKey parent;
         parent.TakeViewOf(*this);
-        parent.Open(parentPath, false);
+        // A closed parent refuses the deletion.
+        static_cast<void>(parent.Open(parentPath, false));
         return parent.DeleteSubKey(separator + 1);
     }
     if (!ReopenForWrite(true)) {
@@ -64,7 +65,7 @@ bool CRegistryKey::DeleteTree(const CKORString& path) {
         m_isFlushDue = true;
     }
     // A refused way back leaves the object closed, but the subkey is empty.
-    ReturnTo(start);
+    static_cast<void>(ReturnTo(start));
     return emptied;
 }
 
@@ -108,7 +109,7 @@ bool CRegistryKey::DeleteEmptySubKey(const CKORString& name) {
     return deleted;
 }
 
-// Intended: this key's name begins with a capital V.
+// Here the name begins with a capital V: docs/quirks.md.
 bool CRegistryKey::ClearCurrentUserVolatile() {
     if (!OpenCurrentUserRuntime(L"", false)) {
         return true;

@@ -85,7 +85,7 @@ bool CRegistryKey::QueryValue(const CKORString& name, RegValueType requestedType
             return false;
         }
         result = QueryIntoBuffer(name, registryType, size);
-        // Intended: no type is known yet, so the line is never written.
+        // No type is known yet, so it never writes: docs/quirks.md.
         if (type == RegValueType::Binary) {
             Trace(name, registryType, result);
         }
@@ -200,7 +200,7 @@ bool CRegistryKey::ReadBinary(const CKORString& name, void* buffer, std::uint64_
     if (fits && m_lastDataSize > 0) {
         std::memcpy(buffer, m_readBuffer.get(), static_cast<std::size_t>(m_lastDataSize));
     }
-    // Intended: for a missing value this is the size of the value that was read before it.
+    // Of a missing value it is the size of the one before: docs/quirks.md.
     size = m_lastDataSize;
     return fits;
 }

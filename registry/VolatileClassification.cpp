@@ -1,3 +1,4 @@
+// Compares a path with the places of volatile keys.
 #include "registry/VolatileClassification.h"
 
 #include <cwchar>
@@ -70,8 +71,7 @@ SymbolicRootId FindLocationBelow(const wchar_t* rootName, const CKORString& path
     if (EqualIgnoringCase(rootName, L"HKEY_LOCAL_MACHINE")) {
         return FindLocation(path, LocalMachineCandidates, rtxLayout);
     }
-    // Intended: in the real-time layout these are compared below the current user although they
-    // lie below the local machine.
+    // In the real-time layout, too: docs/quirks.md.
     if (EqualIgnoringCase(rootName, L"HKEY_CURRENT_USER")) {
         return FindLocation(path, CurrentUserCandidates, rtxLayout);
     }
@@ -79,7 +79,7 @@ SymbolicRootId FindLocationBelow(const wchar_t* rootName, const CKORString& path
 }
 
 // Only the first component of a symbolic path may be "volatile". The separator is looked for in the
-// path as it was passed, so a leading backslash makes the test miss; that is intended.
+// path as it was passed, so a leading backslash makes the test miss: docs/quirks.md.
 bool IsVolatileBelowSymbolicRoot(const CKORString& subPath, const CKORString& stripped) {
     if (EqualIgnoringCase(stripped.Text(), VolatileWord.data())) {
         return true;

@@ -39,7 +39,7 @@ bool CRegistryKey::LockVolatile() {
     if (VolatileMutex == nullptr) {
         VolatileMutex = CreateMutexW(nullptr, FALSE, name);
     }
-    // Intended: an abandoned mutex is a failure that leaves the mutex held.
+    // An abandoned mutex is a failure that leaves it held: docs/quirks.md.
     return VolatileMutex != nullptr &&
            WaitForSingleObject(VolatileMutex, INFINITE) == WAIT_OBJECT_0;
 }

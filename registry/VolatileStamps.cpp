@@ -42,9 +42,11 @@ CRegistryKey::StampResult CRegistryKey::StampVolatileRoot(const CKORString& crea
         StampCompanion.reset();
         StampCompanion.reset(new (std::nothrow) CRegistryKey());
         if (StampCompanion != nullptr) {
-            // Intended: the view goes with the companion, the layout is the process's.
+            // It takes the view, but not the layout: docs/quirks.md.
             StampCompanion->m_extraAccess = m_extraAccess;
-            StampCompanion->OpenSymbolic(kor::VolatileKeyRootOf(id), VolatileKey, true);
+            // Below, IsOpen tells.
+            static_cast<void>(
+                StampCompanion->OpenSymbolic(kor::VolatileKeyRootOf(id), VolatileKey, true));
         }
     }
     // Without creation, a companion that an earlier stamping left open gets the stamps.

@@ -38,7 +38,7 @@ bool CRegistryKey::WriteDword(const CKORString& name, std::int32_t value) {
     return WriteDword(name, static_cast<std::uint32_t>(value));
 }
 
-// Intended: the 64-bit forms keep the low 32 bits.
+// The 64-bit forms keep the low 32 bits: docs/quirks.md.
 bool CRegistryKey::WriteDword(const CKORString& name, std::uint64_t value) {
     return WriteDword(name, static_cast<std::uint32_t>(value));
 }
@@ -93,7 +93,7 @@ bool CRegistryKey::WriteValue(const CKORString& name, RegValueType type, const v
     return true;
 }
 
-// Intended: the writable-root rule is for writes only. Deleting and creating keys ignore it too.
+// The writable-root rule is for writes only: docs/quirks.md.
 bool CRegistryKey::DeleteValue(const CKORString& name) {
     if (m_handle == nullptr || !ReopenForWrite(true)) {
         return false;

@@ -1,3 +1,4 @@
+// Records the system calls of a page, and repeats them bare.
 #include "bench/catalogue/CallTrace.h"
 
 #include <shlwapi.h>

@@ -1,3 +1,4 @@
+// What the layer does, with the system's calls alone.
 #include "bench/registry/BareRegistry.h"
 
 #include <array>

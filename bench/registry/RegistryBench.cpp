@@ -219,7 +219,8 @@ void CompareTrees(int keys, int rounds) {
     CRegistryKey key(FullBase);
     bare::OpenKey open = bare::Open(Base);
     Compare(
-        title, rounds, 1, [&] { MakeTrees(copy, keys); }, [&] { key.DeleteTree(L"copy"); },
+        title, rounds, 1, [&] { MakeTrees(copy, keys); },
+        [&] { static_cast<void>(key.DeleteTree(L"copy")); },
         [&] { bare::DeleteTree(open, Base, L"copy"); });
     bare::Close(open);
     RegDeleteTreeW(HKEY_CURRENT_USER, copy.c_str());

@@ -9,8 +9,10 @@
 
 #include "app/CkorcontrolcenterDlg.h"
 #include "tests/app/FailingCalls.h"
+#include "tests/support/BesideProgram.h"
 #include "tests/support/GuardedMemory.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/RawRegistry.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {
@@ -68,10 +70,8 @@ Outcome RunDialog(test::FailingCalls& calls, ULONGLONG patience) {
 }
 
 TEST(ControlFailures, EachCallToWinesOwnControlFailsOnceAndNothingIsLeft) {
-    const std::wstring library = KOR_HTMLDOCUMENT_DLL;
-    ASSERT_EQ(ERROR_SUCCESS,
-              RegSetKeyValueW(HKEY_LOCAL_MACHINE, DocumentServer, nullptr, REG_SZ, library.c_str(),
-                              static_cast<DWORD>((library.size() + 1) * sizeof(wchar_t))));
+    test::SetRaw(HKEY_LOCAL_MACHINE, DocumentServer, L"",
+                 test::Text(REG_SZ, test::BesideProgram(L"htmldocument.dll")));
     test::TestInstallation installed;
     installed.SetText(L"Vantrel\\Vantrel Imaging Library", L"KorVersion", L"1");
     int calls = 0;

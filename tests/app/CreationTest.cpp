@@ -1,6 +1,11 @@
 // The dialog's window while it is being made.
 #include <windows.h>
 
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
 #include "res/resource.h"
 #include "tests/app/HostedDialog.h"
 

@@ -6,9 +6,9 @@
 
 #include "app/CkorcontrolcenterDlg.h"
 #include "tests/app/HostedDialog.h"
-#include "tests/page/SystemCalls.h"
 #include "tests/support/GuardedMemory.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {

@@ -10,8 +10,8 @@
 
 #include "app/CkorcontrolcenterDlg.h"
 #include "tests/app/ComFakes.h"
-#include "tests/page/SystemCalls.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {

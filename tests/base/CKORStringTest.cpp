@@ -1,3 +1,4 @@
+// The string: its contents, its growth, its formats.
 #include "base/CKORString.h"
 
 #include <gtest/gtest.h>

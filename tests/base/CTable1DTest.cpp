@@ -1,3 +1,4 @@
+// The table: its sizes, its elements' lives, what happens without memory.
 #include "base/CTable1D.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// To which session a fatal message goes, and how.
 #include "base/ReportFatalError.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,10 @@
+// What a deletion takes away, leaves and reports.
 #include "env/DeleteDirectory.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/env/FileCalls.h"
 #include "tests/env/TempFolder.h"
+#include "tests/support/FileCalls.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "env/DeleteDirectory.h"
-#include "tests/env/FileCalls.h"
 #include "tests/env/TempFolder.h"
+#include "tests/support/FileCalls.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/env/FileCalls.h"
 #include "tests/env/StagedSearch.h"
 #include "tests/env/TempFolder.h"
+#include "tests/support/FileCalls.h"
 
 namespace {
 

@@ -1,3 +1,4 @@
+// Searches: their patterns, prefixes, ends and failures.
 #include "env/FileFinder.h"
 
 #include <gtest/gtest.h>
@@ -5,9 +6,9 @@
 #include <set>
 #include <type_traits>
 
-#include "tests/env/FileCalls.h"
 #include "tests/env/StagedSearch.h"
 #include "tests/env/TempFolder.h"
+#include "tests/support/FileCalls.h"
 
 namespace {
 

@@ -11,6 +11,7 @@
 #include "env/FolderSettings.h"
 #include "tests/env/SettingsSandbox.h"
 #include "tests/env/TempFolder.h"
+#include "tests/support/BesideProgram.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/Printing.h"
 
@@ -176,7 +177,7 @@ TEST_F(LookUpSweep, AFailingCallOfAVariableLeadsToTheNext) {
 
 // The block of that number, from 0, between "```reg" and "```" in the page.
 std::string RegistryBlock(int number) {
-    std::FILE* const page = _wfopen(L"" KOR_FOLDER_SETTINGS_PAGE, L"rb");
+    std::FILE* const page = _wfopen(test::BesideProgram(L"folder-settings.md").c_str(), L"rb");
     if (page == nullptr) {
         ADD_FAILURE() << "cannot read the page";
         return {};

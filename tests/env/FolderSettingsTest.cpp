@@ -1,3 +1,4 @@
+// Which source answers for a setting.
 #include "env/FolderSettings.h"
 
 #include <gtest/gtest.h>

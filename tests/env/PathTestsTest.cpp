@@ -1,3 +1,4 @@
+// The questions about a path or a text.
 #include "env/PathTests.h"
 
 #include <gtest/gtest.h>

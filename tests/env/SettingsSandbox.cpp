@@ -1,6 +1,9 @@
+// Sets variables and debug settings, and takes them away again.
 #include "tests/env/SettingsSandbox.h"
 
 #include <gtest/gtest.h>
+
+#include "tests/support/RawRegistry.h"
 
 namespace test {
 
@@ -20,13 +23,6 @@ std::optional<std::wstring> VariableOf(const wchar_t* name) {
     std::wstring text(size, L'\0');
     text.resize(GetEnvironmentVariableW(name, text.data(), size));
     return text;
-}
-
-void Store(HKEY hive, const std::wstring& subKey, const wchar_t* name, DWORD type, const void* data,
-           std::size_t bytes) {
-    EXPECT_EQ(
-        RegSetKeyValueW(hive, KeyOf(subKey).c_str(), name, type, data, static_cast<DWORD>(bytes)),
-        ERROR_SUCCESS);
 }
 
 } // namespace
@@ -56,11 +52,7 @@ void SettingsSandbox::Clear() {
 void SettingsSandbox::SetIn(HKEY hive, const std::wstring& subKey, const wchar_t* name,
                             const std::wstring& text, DWORD type) {
     // A second terminator ends a multi-string.
-    std::wstring stored = text + L'\0';
-    if (type == REG_MULTI_SZ) {
-        stored += L'\0';
-    }
-    Store(hive, subKey, name, type, stored.data(), stored.size() * sizeof(wchar_t));
+    SetRaw(hive, KeyOf(subKey), name, Text(type, type == REG_MULTI_SZ ? text + L'\0' : text));
 }
 
 void SettingsSandbox::SetUser(const wchar_t* name, const std::optional<std::wstring>& text,
@@ -77,7 +69,7 @@ void SettingsSandbox::SetMachine(const wchar_t* name, const std::optional<std::w
 }
 
 void SettingsSandbox::SetUserNumber(const wchar_t* name, DWORD number) {
-    Store(HKEY_CURRENT_USER, L"", name, REG_DWORD, &number, sizeof number);
+    SetRaw(HKEY_CURRENT_USER, KeyOf(L""), name, Dword(number));
 }
 
 } // namespace test

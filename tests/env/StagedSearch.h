@@ -1,3 +1,4 @@
+// A search whose entries a test makes up.
 #pragma once
 
 #include <gtest/gtest.h>

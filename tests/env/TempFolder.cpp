@@ -1,3 +1,4 @@
+// Makes a folder and deletes it at the end.
 #include "tests/env/TempFolder.h"
 
 #include <gtest/gtest.h>

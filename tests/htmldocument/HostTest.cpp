@@ -1,6 +1,9 @@
 // The fixture of the tests with a browser control.
 #include "tests/htmldocument/HostTest.h"
 
+#include "tests/support/BesideProgram.h"
+#include "tests/support/RawRegistry.h"
+
 namespace test {
 namespace {
 
@@ -10,10 +13,7 @@ constexpr wchar_t ServerKey[] =
 } // namespace
 
 void HostTest::SetUpTestSuite() {
-    const std::wstring library = KOR_HTMLDOCUMENT_DLL;
-    ASSERT_EQ(ERROR_SUCCESS,
-              RegSetKeyValueW(HKEY_LOCAL_MACHINE, ServerKey, nullptr, REG_SZ, library.c_str(),
-                              static_cast<DWORD>((library.size() + 1) * sizeof(wchar_t))));
+    SetRaw(HKEY_LOCAL_MACHINE, ServerKey, L"", Text(REG_SZ, BesideProgram(L"htmldocument.dll")));
 }
 
 void HostTest::SetUp() {

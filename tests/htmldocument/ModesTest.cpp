@@ -3,6 +3,8 @@
 
 #include <exdispid.h>
 
+#include <algorithm>
+
 #include "tests/htmldocument/PageText.h"
 #include "wine/htmldocument/com/Modes.h"
 

@@ -1,3 +1,4 @@
+// What the questions answer for each kind of value.
 #include "page/InstallationQueries.h"
 
 #include <gtest/gtest.h>
@@ -5,7 +6,7 @@
 
 #include <string>
 
-#include "tests/page/SystemCalls.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {

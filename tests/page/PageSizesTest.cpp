@@ -1,3 +1,4 @@
+// The sizes at each resolution.
 #include "page/PageSizes.h"
 
 #include <gtest/gtest.h>

@@ -9,7 +9,7 @@
 
 #include "page/InstallationQueries.h"
 #include "registry/CRegistryKey.h"
-#include "tests/page/SystemCalls.h"
+#include "tests/support/SystemCalls.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <random>
 #include <string_view>
 
-#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/GuardedMemory.h"
 #include "tests/support/ImportHook.h"
 

@@ -6,9 +6,9 @@
 
 #include "registry/CRegistryKey.h"
 #include "registry/KeyHandles.h"
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/RegistryCalls.h"
 
 using namespace kor;
 

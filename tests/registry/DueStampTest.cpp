@@ -3,9 +3,9 @@
 #include <climits>
 #include <utility>
 
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/GuardedMemory.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 

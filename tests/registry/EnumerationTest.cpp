@@ -1,11 +1,12 @@
+// Counts and lists of names.
 #include <algorithm>
 #include <array>
 #include <string>
 #include <vector>
 
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/GuardedMemory.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 

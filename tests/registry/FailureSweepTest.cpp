@@ -6,9 +6,9 @@
 #include <type_traits>
 
 #include "registry/KeyHandles.h"
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/GuardedMemory.h"
+#include "tests/support/RegistryCalls.h"
 
 using namespace kor;
 

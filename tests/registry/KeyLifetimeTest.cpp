@@ -1,6 +1,6 @@
 // Opening, reopening and closing: the calls in their order, and what is left after each failure.
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 

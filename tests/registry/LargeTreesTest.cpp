@@ -1,5 +1,5 @@
 // Trees that are large, and trees that are deep.
-#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/GuardedMemory.h"
 
 namespace {

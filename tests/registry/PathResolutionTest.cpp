@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+// Where a relative path leads.
+#include "tests/registry/RegistryTest.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Volatile data over a restart of the system. wine/in-prefix.py runs this program twice in
 // one prefix and restarts the registry server in between; the stage says which half is played.
-#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryTest.h"
 
 namespace {
 

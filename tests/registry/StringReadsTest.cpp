@@ -1,5 +1,5 @@
 // Strings and lists of strings whose data ends where it likes.
-#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/ImportHook.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// The operations on texts.
 #include "registry/StringUtilities.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// The tables of roots, row by row.
 #include "registry/RootTables.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Copying values and trees.
-#include "tests/registry/RegistryCalls.h"
 #include "tests/registry/TreeTest.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Creating and deleting subkeys, alone and with everything in them.
-#include "tests/registry/RegistryCalls.h"
 #include "tests/registry/TreeTest.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 

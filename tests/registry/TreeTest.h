@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/registry/RawRegistry.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/ImportHook.h"
 
 namespace test {

@@ -1,7 +1,8 @@
+// Reads of numbers and bytes, and what they leave behind.
 #include "registry/KeyHandles.h"
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/GuardedMemory.h"
+#include "tests/support/RegistryCalls.h"
 
 using namespace kor;
 

@@ -1,3 +1,4 @@
+// Which paths lie in a volatile location.
 #include "registry/VolatileClassification.h"
 
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <thread>
 
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 

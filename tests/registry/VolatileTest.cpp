@@ -3,9 +3,9 @@
 #include <ctime>
 #include <utility>
 
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
 #include "tests/support/GuardedMemory.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 
@@ -202,7 +202,7 @@ TEST_F(Volatile, TheLayoutOfTheObjectDoesNotGoWithTheCompanion) {
 TEST_F(Volatile, PathCreatorIsThePathAsItWasPassed) {
     for (const std::wstring path : {L"Volatile\\A\\", L"\\volatile\\\\", L"VOLATILE/x"}) {
         CRegistryKey key;
-        key.OpenCurrentUserRuntime(path.c_str(), true);
+        ASSERT_TRUE(key.OpenCurrentUserRuntime(path.c_str(), true));
         EXPECT_EQ(test::GetRaw(HKEY_CURRENT_USER, Runtime + L"\\volatile", L"PathCreator"),
                   test::Text(REG_SZ, path));
         key.CloseIfOpen();

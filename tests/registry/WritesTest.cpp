@@ -1,6 +1,6 @@
 // Writing and deleting values: the protocol's calls in their order, and what each way out leaves.
-#include "tests/registry/RawRegistry.h"
-#include "tests/registry/RegistryCalls.h"
+#include "tests/registry/RegistryTest.h"
+#include "tests/support/RegistryCalls.h"
 
 namespace {
 
@@ -142,8 +142,8 @@ TEST_F(Writes, OnlySuccessfulChangesAreFlushed) {
         return calls.CountOf("RegFlushKey");
     };
     EXPECT_EQ(flushes([](CRegistryKey&) {}), 0);
-    EXPECT_EQ(flushes([](CRegistryKey& key) { key.DeleteValue(L"missing"); }), 0);
-    EXPECT_EQ(flushes([](CRegistryKey& key) { key.DeleteSubKey(L"missing"); }), 0);
+    EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_FALSE(key.DeleteValue(L"missing")); }), 0);
+    EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_FALSE(key.DeleteSubKey(L"missing")); }), 0);
     EXPECT_EQ(flushes([](CRegistryKey& key) {
                   HOOK_IMPORT(set, RegSetValueExW,
                               [](HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) -> LSTATUS {
@@ -152,10 +152,10 @@ TEST_F(Writes, OnlySuccessfulChangesAreFlushed) {
                   EXPECT_FALSE(key.WriteDword(L"n", 1U));
               }),
               0);
-    EXPECT_EQ(flushes([](CRegistryKey& key) { key.WriteDword(L"n", 1U); }), 1);
-    EXPECT_EQ(flushes([](CRegistryKey& key) { key.DeleteValue(L"n"); }), 1);
-    EXPECT_EQ(flushes([](CRegistryKey& key) { key.CreateSubKey(L"s"); }), 1);
-    EXPECT_EQ(flushes([](CRegistryKey& key) { key.DeleteSubKey(L"s"); }), 1);
+    EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_TRUE(key.WriteDword(L"n", 1U)); }), 1);
+    EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_TRUE(key.DeleteValue(L"n")); }), 1);
+    EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_TRUE(key.CreateSubKey(L"s")); }), 1);
+    EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_TRUE(key.DeleteSubKey(L"s")); }), 1);
 }
 
 // A change that fails does not take back what was changed before it.

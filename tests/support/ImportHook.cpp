@@ -1,3 +1,4 @@
+// Finds a function in the program's import table and puts another in its place.
 #include "tests/support/ImportHook.h"
 
 #include <cstdio>

@@ -1,10 +1,12 @@
+// Puts data into the registry and files on drive C, and takes them away.
 #include "tests/support/TestInstallation.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
+
+#include "tests/support/RawRegistry.h"
 
 namespace test {
 
@@ -17,32 +19,46 @@ std::filesystem::path AsPath(std::wstring path) {
     return std::filesystem::path(path).lexically_normal();
 }
 
-HKEY OpenKey(const std::wstring& key) {
-    HKEY handle = nullptr;
-    const LSTATUS result = RegCreateKeyExW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str(), 0,
-                                           nullptr, 0, KEY_ALL_ACCESS, nullptr, &handle, nullptr);
-    EXPECT_EQ(result, ERROR_SUCCESS) << testing::PrintToString(key);
-    return handle;
+HANDLE CreateEmptyFile(const std::filesystem::path& path) {
+    return CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+}
+
+// With what the entries of the folder tell of themselves: std::filesystem asks the system several
+// times about each, and each time it is a question to Wine's server.
+void DeleteFolder(const std::wstring& folder) {
+    WIN32_FIND_DATAW entry = {};
+    const HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE) {
+        return;
+    }
+    do {
+        const std::wstring name = entry.cFileName;
+        const std::wstring path = folder + L"\\" + name;
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+            DeleteFileW(path.c_str());
+        } else if (name != L"." && name != L"..") {
+            DeleteFolder(path);
+        }
+    } while (FindNextFileW(search, &entry) != FALSE);
+    FindClose(search);
+    RemoveDirectoryW(folder.c_str());
 }
 
 } // namespace
 
 void TestInstallation::SetBytes(const std::wstring& key, const wchar_t* value, DWORD type,
                                 const void* data, DWORD size) const {
-    const HKEY handle = OpenKey(key);
-    EXPECT_EQ(RegSetValueExW(handle, value, 0, type, static_cast<const BYTE*>(data), size),
-              ERROR_SUCCESS);
-    RegCloseKey(handle);
+    const auto* const bytes = static_cast<const BYTE*>(data);
+    SetRaw(HKEY_LOCAL_MACHINE, L"Software\\" + key, value, {type, {bytes, bytes + size}});
 }
 
 void TestInstallation::SetText(const std::wstring& key, const wchar_t* value,
                                const std::wstring& text, DWORD type) const {
-    SetBytes(key, value, type, text.c_str(),
-             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+    SetRaw(HKEY_LOCAL_MACHINE, L"Software\\" + key, value, Text(type, text));
 }
 
 void TestInstallation::MakeKey(const std::wstring& key) const {
-    RegCloseKey(OpenKey(key));
+    test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\" + key);
 }
 
 void TestInstallation::DeleteKey(const std::wstring& key) const {
@@ -50,16 +66,20 @@ void TestInstallation::DeleteKey(const std::wstring& key) const {
 }
 
 void TestInstallation::DeleteValue(const std::wstring& key, const wchar_t* value) const {
-    const HKEY handle = OpenKey(key);
-    EXPECT_EQ(RegDeleteValueW(handle, value), ERROR_SUCCESS);
-    RegCloseKey(handle);
+    EXPECT_EQ(RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, (L"Software\\" + key).c_str(), value),
+              ERROR_SUCCESS);
 }
 
 void TestInstallation::MakeFile(const std::wstring& path) const {
     const std::filesystem::path file = AsPath(path);
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file) << "x";
-    EXPECT_TRUE(std::filesystem::exists(file)) << testing::PrintToString(path);
+    HANDLE handle = CreateEmptyFile(file);
+    if (handle == INVALID_HANDLE_VALUE) {
+        std::filesystem::create_directories(file.parent_path());
+        handle = CreateEmptyFile(file);
+    }
+    DWORD count = 0;
+    EXPECT_TRUE(WriteFile(handle, "x", 1, &count, nullptr)) << testing::PrintToString(path);
+    CloseHandle(handle);
 }
 
 void TestInstallation::MakeFolder(const std::wstring& path) const {
@@ -75,8 +95,7 @@ void TestInstallation::Wipe() {
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Vantrel");
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, L"Software\\Wow6432Node\\Vantrel");
     RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Vantrel");
-    std::error_code ignored;
-    std::filesystem::remove_all(TestFolder, ignored);
+    DeleteFolder(TestFolder);
 }
 
 } // namespace test

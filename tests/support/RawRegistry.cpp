@@ -1,4 +1,7 @@
-#include "tests/registry/RawRegistry.h"
+// The registry by the system's calls alone.
+#include "tests/support/RawRegistry.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <ostream>
@@ -34,14 +37,6 @@ void CollectTree(HKEY key, const std::wstring& prefix, std::vector<std::wstring>
             CollectTree(child, path, tree);
             RegCloseKey(child);
         }
-    }
-}
-
-void DeleteLibraryKeys() {
-    for (const HKEY root : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-        DeleteKey(root, Vantrel);
-        DeleteKey(root, L"Software\\Wow6432Node\\Vantrel");
-        DeleteKey(root, TestSubKey);
     }
 }
 
@@ -145,28 +140,6 @@ std::vector<std::wstring> TreeOf(HKEY root, const std::wstring& subKey) {
     }
     std::sort(tree.begin(), tree.end());
     return tree;
-}
-
-std::vector<std::wstring> Sorted(const CTable1D<CKORString>& names) {
-    std::vector<std::wstring> sorted;
-    for (const CKORString& name : names) {
-        sorted.emplace_back(name.Text());
-    }
-    std::sort(sorted.begin(), sorted.end());
-    return sorted;
-}
-
-void RegistryTest::SetUp() {
-    SCOPED_TRACE("starts the thread that GoogleTest keeps, before anything is hooked");
-    DeleteLibraryKeys();
-    CRegistryKey::SetRtxMode(false);
-    CRegistryKey::ClearAllowWritesAnywhere();
-}
-
-void RegistryTest::TearDown() {
-    CRegistryKey::SetRtxMode(false);
-    CRegistryKey::ClearAllowWritesAnywhere();
-    DeleteLibraryKeys();
 }
 
 } // namespace test

@@ -1,4 +1,5 @@
-#include "tests/page/SystemCalls.h"
+// Records the page's system calls as text.
+#include "tests/support/SystemCalls.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

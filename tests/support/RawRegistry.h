@@ -1,23 +1,15 @@
 // The registry as the system's own calls see it, to prepare tests and to check what was written.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <cstdint>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "registry/CRegistryKey.h"
-#include "tests/support/Printing.h"
-
 namespace test {
-
-// The key that tests work in.
-inline constexpr wchar_t TestSubKey[] = L"Software\\KORTests";
-inline constexpr wchar_t UserKey[] = L"HKEY_CURRENT_USER\\Software\\KORTests";
-inline constexpr wchar_t MachineKey[] = L"HKEY_LOCAL_MACHINE\\Software\\KORTests";
 
 struct RawValue {
     DWORD type;
@@ -46,18 +38,5 @@ void DeleteKey(HKEY root, const std::wstring& subKey);
 
 // Names in the order of comparison, each key before what is in it: "a", "a\b", "a\b:value".
 std::vector<std::wstring> TreeOf(HKEY root, const std::wstring& subKey);
-
-std::vector<std::wstring> Sorted(const CTable1D<CKORString>& names);
-
-// Removes the library's keys before and after each test.
-class RegistryTest : public testing::Test {
-protected:
-    void SetUp() override;
-    void TearDown() override;
-};
-
-inline const std::wstring Vantrel = L"Software\\Vantrel";
-inline const std::wstring Library = Vantrel + L"\\Vantrel Imaging Library";
-inline const std::wstring Runtime = Library + L"\\Runtime";
 
 } // namespace test

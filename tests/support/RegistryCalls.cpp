@@ -1,4 +1,5 @@
-#include "tests/registry/RegistryCalls.h"
+// Hooks the layer's system calls.
+#include "tests/support/RegistryCalls.h"
 
 #include <algorithm>
 #include <cstdint>

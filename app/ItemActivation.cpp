@@ -2,8 +2,8 @@
 #include "app/CkorcontrolcenterDlg.h"
 
 #include <comdef.h>
-#include <shellapi.h>
-#include <shlobj.h>
+
+#include "page/ShellCall.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ HRESULT CkorcontrolcenterDlg::OnItemMouseOver(IHTMLElement* element) {
     return S_OK;
 }
 
-// The cursor stays as it is: intended.
+// The cursor stays as it is: docs/quirks.md.
 HRESULT CkorcontrolcenterDlg::OnItemMouseOut(IHTMLElement* element) {
     CComPtr<IHTMLStyle> style;
     element->get_style(&style);
@@ -72,39 +72,16 @@ HRESULT CkorcontrolcenterDlg::OnItemClick(IHTMLElement* element) {
 
 void CkorcontrolcenterDlg::LaunchItem(const CKORString& path, const CKORString& arguments,
                                       int type) {
-    switch (type) {
-    case ItemProgram:
-        ShellExecuteElevated(path, arguments, false);
-        break;
-    case ItemFolder:
-    case ItemDocument:
-        // Without the arguments: intended.
-        ShellExecute(nullptr, nullptr, path.Text(), nullptr, nullptr, SW_SHOWNORMAL);
-        break;
-    case ItemElevatedProgram:
+    if (type == ItemElevatedProgram) {
         ShellExecuteElevated(path, arguments, true);
-        break;
-    case ItemHelpTopic:
-        ShellExecute(nullptr, nullptr, L"hh.exe", (path + arguments).Text(), nullptr,
-                     SW_SHOWNORMAL);
-        break;
-    default:
+    } else if (const std::optional<ShellCall> call = CallOfItem(path, arguments, type)) {
+        call->Make();
+    } else {
         MessageBox(L"This item has an invalid type.", L"Invalid item type", MB_OK);
-        break;
     }
 }
 
-// The handle of the started process stays open, one for each start: intended.
 bool CkorcontrolcenterDlg::ShellExecuteElevated(const CKORString& path, const CKORString& arguments,
                                                 bool elevate) {
-    SHELLEXECUTEINFO start = {};
-    start.cbSize = sizeof(start);
-    start.fMask = SEE_MASK_NOCLOSEPROCESS;
-    if (elevate && IsUserAnAdmin() != TRUE) {
-        start.lpVerb = L"runas";
-    }
-    start.lpFile = path.Text();
-    start.lpParameters = arguments.Text();
-    start.nShow = SW_SHOWNORMAL;
-    return ShellExecuteEx(&start) != FALSE;
+    return CallOfProgram(path, arguments, elevate).Make().IsStarted;
 }

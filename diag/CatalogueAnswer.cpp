@@ -1,3 +1,4 @@
+// Asks once what the page shows and why it does not show the rest.
 #include "diag/CatalogueAnswer.h"
 
 #include "diag/PathCauses.h"

@@ -26,7 +26,8 @@ void WriteItem(JsonWriter& json, const CatalogueAnswer::Item& answer) {
 
 void WriteItem(Utf8Output& output, const CatalogueAnswer::Item& answer) {
     const ControlCenterItem& item = *answer.Item;
-    output.Write(answer.IsShown ? L"  shown    " : L"  MISSING  ", Printable(item.Label), L"\n");
+    output.Write(answer.IsShown ? L"  shown    " : L"  MISSING  ", Printable(item.Label), L" (",
+                 Printable(item.Id), L")\n");
     output.Write(L"           ", TypeNameOf(item), L" ", Printable(item.Path));
     if (item.Arguments.Length() > 0) {
         output.Write(L", arguments \"", Printable(item.Arguments), L"\"");

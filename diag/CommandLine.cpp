@@ -17,6 +17,8 @@ constexpr Command Commands[] = {
      RunCatalogue},
     {nullptr, L"check", L"", L"what is wrong, and what to do about it", OptionJson | OptionStrict,
      RunCheck},
+    {nullptr, L"open", L"ID", L"starts an item as a click does", OptionJson | OptionDryRun,
+     RunOpen},
     {nullptr, L"queries", L"", L"what the registry says about the installation", OptionJson,
      RunQueries},
     {nullptr, L"roots", L"", L"the symbolic roots of registry paths", OptionRtx | OptionJson,
@@ -25,6 +27,10 @@ constexpr Command Commands[] = {
      RunSetting},
     {nullptr, L"report", L"", L"all of that, for a support ticket",
      OptionJson | OptionRedact | OptionOutput | OptionForce, RunReport},
+    {nullptr, L"compare", L"A.json [B.json]", L"what differs between reports, or from now",
+     OptionJson, RunCompare},
+    {nullptr, L"completion", L"powershell|bash", L"makes that shell complete these words", NoOption,
+     RunCompletion},
     {Registry, L"get", L"PATH NAME", L"a value's data", OptionRtx | OptionJson, RunRegistryGet},
     {Registry, L"list", L"PATH", L"subkeys and values", OptionRtx | OptionJson, RunRegistryList},
     {Registry, L"type", L"PATH NAME", L"a value's type", OptionRtx, RunRegistryType},
@@ -55,15 +61,11 @@ struct OptionWord {
 
 // In the order of the usage.
 constexpr OptionWord OptionWords[] = {
-    {L"--document", L"", OptionDocument},
-    {L"--dpi", L" N", OptionDpi},
-    {L"--rtx", L"", OptionRtx},
-    {L"--create", L"", OptionCreate},
-    {L"--anywhere", L"", OptionAnywhere},
-    {L"--json", L"", OptionJson},
-    {L"--strict", L"", OptionStrict},
-    {L"--redact", L"", OptionRedact},
-    {L"--output", L" FILE", OptionOutput},
+    {L"--document", L"", OptionDocument}, {L"--dpi", L" N", OptionDpi},
+    {L"--rtx", L"", OptionRtx},           {L"--create", L"", OptionCreate},
+    {L"--anywhere", L"", OptionAnywhere}, {L"--json", L"", OptionJson},
+    {L"--strict", L"", OptionStrict},     {L"--dry-run", L"", OptionDryRun},
+    {L"--redact", L"", OptionRedact},     {L"--output", L" FILE", OptionOutput},
     {L"--force", L"", OptionForce},
 };
 
@@ -93,10 +95,17 @@ std::wstring UsageOf(const Command& command, unsigned options) {
     return (options & OptionCommand) != 0 ? usage + L" -- COMMAND..." : usage;
 }
 
-std::size_t OperandCount(const Command& command) {
+std::size_t CountInOperands(const Command& command, wchar_t c) {
     const std::wstring_view words(command.Operands);
-    const auto blanks = static_cast<std::size_t>(std::count(words.begin(), words.end(), L' '));
-    return words.empty() ? 0 : blanks + 1;
+    return static_cast<std::size_t>(std::count(words.begin(), words.end(), c));
+}
+
+std::size_t MostOperands(const Command& command) {
+    return command.Operands[0] != L'\0' ? CountInOperands(command, L' ') + 1 : 0;
+}
+
+std::size_t LeastOperands(const Command& command) {
+    return MostOperands(command) - CountInOperands(command, L'[');
 }
 
 void WriteUsage(Utf8Output& output, const Command& command) {
@@ -111,7 +120,7 @@ std::wstring Padded(std::wstring text, std::size_t width) {
 void WriteHelp(Utf8Output& output) {
     constexpr std::size_t UsageWidth = 36;
     output.Write(
-        L"kordiag shows what the Control Center sees, and why a tool is not on its page.\n\n");
+        L"kordiag shows what the Control Center sees, and why a tool is not on its page.\n");
     for (const Command& command : Commands) {
         // The options of the registry commands are told at the end.
         const unsigned options =
@@ -120,10 +129,9 @@ void WriteHelp(Utf8Output& output) {
         output.Write(Padded(usage, UsageWidth), L" ", command.Summary, L"\n");
     }
     output.Write(
-        L"\nRegistry commands take --rtx for the RTX layout; get and list take --json; --create creates\n"
-        L"the key of PATH, and --anywhere allows writes outside the writable root.\n"
-        L"kordiag COMMAND --help shows its usage, kordiag --version the version.\n"
-        L"Exit code: 0 answered, 1 not found or failed, 2 wrong usage.\n");
+        L"\nRegistry commands take --rtx (RTX layout), get and list --json; --create creates the key of PATH,\n"
+        L"--anywhere allows writes outside the writable root. Also: kordiag COMMAND --help, kordiag --version\n"
+        L"Exit code: 0 answered or same, 1 not found, failed or different, 2 wrong usage, 3 not comparable\n");
 }
 
 // Returns false with a message when the words are not what the command takes.
@@ -148,12 +156,12 @@ public:
                 arguments.Operands.push_back(*word);
             }
         }
-        const std::size_t operandCount = OperandCount(m_command);
-        if (arguments.Operands.size() < operandCount) {
+        if (arguments.Operands.size() < LeastOperands(m_command)) {
             return Refuse(L"missing operand", L"");
         }
-        if (arguments.Operands.size() > operandCount) {
-            return Refuse(L"unexpected argument: ", arguments.Operands[operandCount]);
+        const std::size_t mostOperands = MostOperands(m_command);
+        if (arguments.Operands.size() > mostOperands) {
+            return Refuse(L"unexpected argument: ", arguments.Operands[mostOperands]);
         }
         if ((m_command.Options & OptionCommand) != 0 && arguments.CommandLine.empty()) {
             return Refuse(L"missing \"--\" and a command", L"");
@@ -217,6 +225,26 @@ const Command* FindCommand(const Words& words, std::size_t& nameWords) {
     return nullptr;
 }
 
+// The alternatives among its operands, and its options, with blanks between them.
+std::wstring WordsOf(const Command& command) {
+    std::wstring words;
+    const std::wstring operands = std::wstring(command.Operands) + L" ";
+    for (std::size_t start = 0, end = 0; end + 1 < operands.size(); start = end + 1) {
+        end = operands.find(L' ', start);
+        const std::wstring operand = operands.substr(start, end + 1 - start);
+        if (operand.find(L'|') != operand.npos) {
+            words += operand;
+        }
+    }
+    std::replace(words.begin(), words.end(), L'|', L' ');
+    for (const OptionWord& row : OptionWords) {
+        if ((command.Options & row.Flag) != 0) {
+            words += std::wstring(row.Word) + L" ";
+        }
+    }
+    return words + L"--help";
+}
+
 bool WriteGroup(Utf8Output& output, const std::wstring& group) {
     bool isGroup = false;
     for (const Command& command : Commands) {
@@ -229,6 +257,20 @@ bool WriteGroup(Utf8Output& output, const std::wstring& group) {
 }
 
 } // namespace
+
+std::vector<Choices> AllChoices() {
+    std::vector<Choices> ofCommands;
+    std::wstring first;
+    std::wstring inGroup;
+    for (const Command& command : Commands) {
+        (command.Group == nullptr ? first : inGroup) += std::wstring(command.Name) + L" ";
+        ofCommands.push_back({NameOf(command), true, WordsOf(command)});
+    }
+    std::vector<Choices> choices = {{L"", false, first + Registry + L" --help --version"},
+                                    {Registry, false, inGroup + L"--help"}};
+    choices.insert(choices.end(), ofCommands.begin(), ofCommands.end());
+    return choices;
+}
 
 ExitCode RunCommandLine(const std::vector<std::wstring>& words, Streams& streams) {
     if (words.empty() || (words.size() == 1 && IsHelp(words[0]))) {

@@ -12,6 +12,7 @@ enum class ExitCode : int {
     Answered = 0,
     No = 1, // what was asked for does not exist, or the operation gave false
     WrongUsage = 2,
+    NotCompared = 3, // neither the same nor different: what was to be compared cannot be read
 };
 
 enum Option : unsigned {
@@ -27,6 +28,7 @@ enum Option : unsigned {
     OptionOutput = 256,
     OptionForce = 512,
     OptionRedact = 1024,
+    OptionDryRun = 2048,
 };
 
 struct Arguments {
@@ -62,7 +64,7 @@ ExitCode Answer(const Arguments& arguments, Streams& streams, Write write) {
 struct Command {
     const wchar_t* Group; // the word before the name; null when there is none
     const wchar_t* Name;
-    const wchar_t* Operands; // one word each
+    const wchar_t* Operands; // one word each, in brackets if it may be left out
     const wchar_t* Summary;
     unsigned Options;
     ExitCode (*Run)(const Arguments& arguments, Streams& streams);
@@ -72,10 +74,13 @@ ExitCode RunPage(const Arguments& arguments, Streams& streams);
 ExitCode RunSizes(const Arguments& arguments, Streams& streams);
 ExitCode RunCatalogue(const Arguments& arguments, Streams& streams);
 ExitCode RunCheck(const Arguments& arguments, Streams& streams);
+ExitCode RunOpen(const Arguments& arguments, Streams& streams);
 ExitCode RunQueries(const Arguments& arguments, Streams& streams);
 ExitCode RunRoots(const Arguments& arguments, Streams& streams);
 ExitCode RunSetting(const Arguments& arguments, Streams& streams);
 ExitCode RunReport(const Arguments& arguments, Streams& streams);
+ExitCode RunCompletion(const Arguments& arguments, Streams& streams);
+ExitCode RunCompare(const Arguments& arguments, Streams& streams);
 ExitCode RunRegistryGet(const Arguments& arguments, Streams& streams);
 ExitCode RunRegistryList(const Arguments& arguments, Streams& streams);
 ExitCode RunRegistryType(const Arguments& arguments, Streams& streams);
@@ -89,6 +94,16 @@ ExitCode RunRegistryCopyValues(const Arguments& arguments, Streams& streams);
 ExitCode RunRegistryCopyTree(const Arguments& arguments, Streams& streams);
 ExitCode RunRegistryClearVolatile(const Arguments& arguments, Streams& streams);
 ExitCode RunRegistryLock(const Arguments& arguments, Streams& streams);
+
+// What may follow on the command line.
+struct Choices {
+    std::wstring Before; // the words so far
+    bool GoesOn;         // and any after them
+    std::wstring Words;  // with blanks between them
+};
+
+// Of all commands, from the table.
+std::vector<Choices> AllChoices();
 
 // words are the program's arguments without its own name.
 ExitCode RunCommandLine(const std::vector<std::wstring>& words, Streams& streams);

@@ -1,3 +1,4 @@
+// Writes JSON with its commas and escapes.
 #include "diag/JsonWriter.h"
 
 namespace {
@@ -83,14 +84,18 @@ std::wstring Quoted(const CKORString& text) {
 }
 
 std::wstring Printable(const CKORString& text) {
+    return PrintableText(ViewOf(text));
+}
+
+std::wstring PrintableText(std::wstring_view text) {
     std::wstring printable;
-    AppendText(printable, ViewOf(text), AppendVisible);
+    AppendText(printable, text, AppendVisible);
     return printable;
 }
 
-JsonWriter& JsonWriter::Key(const wchar_t* name) {
+JsonWriter& JsonWriter::Key(std::wstring_view name) {
     Separate();
-    m_output.Write(Quoted(std::wstring_view(name)), L":");
+    m_output.Write(Quoted(name), L":");
     m_needsComma = false;
     return *this;
 }

@@ -21,6 +21,7 @@ std::wstring Quoted(const CKORString& text);
 // The text for people: the same characters are written as \uXXXX, so that a line stays a line; all
 // others as they are.
 std::wstring Printable(const CKORString& text);
+std::wstring PrintableText(std::wstring_view text);
 
 // The caller's calls must make a document: a key before each member of an object.
 class JsonWriter {
@@ -37,12 +38,15 @@ public:
     void EndArray() { End(L"]"); }
 
     // A member of an object begins; its value follows.
-    JsonWriter& Key(const wchar_t* name);
+    JsonWriter& Key(const wchar_t* name) { return Key(std::wstring_view(name)); }
+    JsonWriter& Key(std::wstring_view name);
 
     void Text(std::wstring_view text);
     void Text(const CKORString& text);
     void Number(std::int64_t number) { Value(std::to_wstring(number)); }
     void Number(std::uint64_t number) { Value(std::to_wstring(number)); }
+    // As it is written already.
+    void Number(std::wstring_view digits) { Value(digits); }
     void Boolean(bool value) { Value(value ? L"true" : L"false"); }
     void Null() { Value(L"null"); }
 

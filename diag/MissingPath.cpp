@@ -1,3 +1,4 @@
+// Walks along a path to the first part that does not exist.
 #include "diag/MissingPath.h"
 
 #include <windows.h>

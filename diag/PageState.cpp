@@ -1,3 +1,4 @@
+// Starts the page as the launcher does.
 #include "diag/PageState.h"
 
 PageState::PageState(int dpi) {

@@ -1,3 +1,4 @@
+// Asks the launcher's questions again and tells where the answers come from.
 #include "diag/QueryAnswers.h"
 
 #include <algorithm>

@@ -1,6 +1,8 @@
 // The answers of the reading commands in their two forms. The report is made of them.
 #pragma once
 
+#include <string>
+
 #include "diag/CatalogueAnswer.h"
 #include "diag/JsonWriter.h"
 #include "diag/Utf8Output.h"
@@ -21,3 +23,7 @@ void WriteRoots(Utf8Output& output, bool rtxLayout);
 bool WriteSetting(JsonWriter& json, const CKORString& name);
 // With the sources that were asked.
 bool WriteSetting(Utf8Output& output, const CKORString& name);
+
+// The document of kordiag report, without the names of the user and the computer if they are to be
+// left out.
+std::wstring ReportDocument(bool redacts);

@@ -38,10 +38,33 @@ bool IsWordPart(std::wstring_view text, std::size_t at) {
     return at < text.size() && IsCharAlphaNumericW(text[at]) != FALSE;
 }
 
+// Whether the name, found in the text from start to end, belongs to another word there.
+bool IsPartOfAnother(std::wstring_view name, std::wstring_view text, std::size_t start,
+                     std::size_t end) {
+    const bool isShort = name.size() < ShortestPart;
+    // C:\Users\Anna is not where Annabel's folder begins.
+    const bool isFolder = name.find(L'\\') != name.npos;
+    return (isShort && start > 0 && IsWordPart(text, start - 1)) ||
+           ((isShort || isFolder) && IsWordPart(text, end));
+}
+
+// The whole text, however long, of a function that tells how much room it needs, and the length of
+// what it wrote; empty when there is none.
+template <typename Fill>
+std::wstring TextOf(Fill fill) {
+    std::wstring text(MAX_PATH, L'\0');
+    DWORD length = fill(text.data(), MAX_PATH);
+    while (length > text.size()) {
+        text.resize(length);
+        length = fill(text.data(), length);
+    }
+    text.resize(length);
+    return text;
+}
+
 std::wstring Variable(const wchar_t* name) {
-    wchar_t text[MAX_PATH] = L"";
-    const DWORD length = GetEnvironmentVariableW(name, text, MAX_PATH);
-    return length < MAX_PATH ? std::wstring(text, length) : std::wstring();
+    return TextOf(
+        [=](wchar_t* text, DWORD room) { return GetEnvironmentVariableW(name, text, room); });
 }
 
 std::wstring ComputerName(COMPUTER_NAME_FORMAT format) {
@@ -57,9 +80,7 @@ std::wstring UserName() {
 }
 
 std::wstring Spelled(DWORD(WINAPI* spell)(LPCWSTR, LPWSTR, DWORD), const std::wstring& path) {
-    wchar_t spelled[MAX_PATH] = L"";
-    const DWORD length = spell(path.c_str(), spelled, MAX_PATH);
-    return length < MAX_PATH ? std::wstring(spelled, length) : std::wstring();
+    return TextOf([&](wchar_t* text, DWORD room) { return spell(path.c_str(), text, room); });
 }
 
 std::wstring LastPart(const std::wstring& path) {
@@ -71,8 +92,9 @@ std::wstring LastPart(const std::wstring& path) {
 Redaction Redaction::OfThisUser() {
     Redaction redaction;
     const std::wstring profile = Variable(L"USERPROFILE");
-    const std::wstring shortProfile = Spelled(GetShortPathNameW, profile);
-    for (const std::wstring& folder : {profile, Spelled(GetLongPathNameW, profile), shortProfile}) {
+    const std::wstring folders[] = {profile, Spelled(GetLongPathNameW, profile),
+                                    Spelled(GetShortPathNameW, profile)};
+    for (const std::wstring& folder : folders) {
         redaction.Add(folder, L"%USERPROFILE%");
     }
     for (const auto format :
@@ -82,9 +104,10 @@ Redaction Redaction::OfThisUser() {
     redaction.Add(ComputerName(ComputerNameDnsDomain), L"<domain>");
     redaction.Add(Variable(L"USERDNSDOMAIN"), L"<domain>");
     redaction.Add(Variable(L"USERDOMAIN"), L"<domain>");
-    for (const std::wstring& name :
-         {UserName(), Variable(L"USERNAME"), LastPart(profile), LastPart(shortProfile)}) {
-        redaction.Add(name, L"<user>");
+    redaction.Add(UserName(), L"<user>");
+    redaction.Add(Variable(L"USERNAME"), L"<user>");
+    for (const std::wstring& folder : folders) {
+        redaction.Add(LastPart(folder), L"<user>");
     }
     return redaction;
 }
@@ -96,10 +119,7 @@ std::wstring Redaction::Apply(std::wstring_view text) const {
         std::size_t length = 0;
         for (const Name& name : m_names) {
             length = LengthOf(name.Text, text.substr(at));
-            const bool isPart =
-                name.Text.size() < ShortestPart &&
-                ((at > 0 && IsWordPart(text, at - 1)) || IsWordPart(text, at + length));
-            if (length > 0 && !isPart) {
+            if (length > 0 && !IsPartOfAnother(name.Text, text, at, at + length)) {
                 word = name.Word;
                 break;
             }

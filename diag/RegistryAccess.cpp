@@ -1,3 +1,4 @@
+// Opens the key that an operand names and says why it could not.
 #include "diag/RegistryAccess.h"
 
 #include <cwchar>

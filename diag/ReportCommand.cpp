@@ -2,50 +2,38 @@
 #include <windows.h>
 
 #include "diag/Commands.h"
+#include "diag/InstallKeys.h"
 #include "diag/NewFile.h"
 #include "diag/Reading.h"
+#include "diag/SystemFacts.h"
 #include "diag/Version.h"
-#include "registry/CRegistryKey.h"
 
 namespace {
 
 // The settings that the library's programs ask for.
 constexpr const wchar_t* Settings[] = {L"TEMP", L"TRACEFOLDER", L"KOR_PATH", L"KOR_PATH64"};
 
-constexpr wchar_t SystemKey[] =
-    L"HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
-
-// As the system calls itself: name and build. Windows tells programs an older version than its own
-// when they ask for it in other ways.
-CKORString SystemVersion() {
-    CRegistryKey key(SystemKey, false);
-    CKORString name(L"unknown");
-    CKORString build;
-    key.ReadString(L"ProductName", name);
-    if (key.ReadString(L"CurrentBuild", build)) {
-        name += L", build ";
-        name += build;
-    }
-    return name;
-}
-
-CKORString NowInUtc() {
+std::wstring NowInUtc() {
     SYSTEMTIME now = {};
     GetSystemTime(&now);
-    return CKORString::Format(L"%04u-%02u-%02uT%02u:%02u:%02uZ", now.wYear, now.wMonth, now.wDay,
-                              now.wHour, now.wMinute, now.wSecond);
+    return InIso8601(now);
 }
 
-void WriteReport(JsonWriter& json) {
+void WriteReport(JsonWriter& json, bool isRedacted) {
     const PageState state;
     json.BeginObject();
     json.Key(L"schema").Number(SchemaVersion);
     json.Key(L"version").Text(std::wstring_view(ProgramVersion));
-    json.Key(L"system").Text(SystemVersion());
+    json.Key(L"redacted").Boolean(isRedacted);
+    json.Key(L"system").Text(std::wstring_view(SystemName()));
+    json.Key(L"facts");
+    WriteFacts(json);
     json.Key(L"dpi").Number(std::int64_t{state.Dpi});
-    json.Key(L"date").Text(NowInUtc());
+    json.Key(L"date").Text(std::wstring_view(NowInUtc()));
     json.Key(L"queries");
     WriteQueries(json);
+    json.Key(L"installKeys");
+    WriteInstallKeys(json);
     json.Key(L"catalogue");
     WriteCatalogue(json, CatalogueAnswer(state));
     json.Key(L"sizes");
@@ -65,9 +53,13 @@ void WriteReport(JsonWriter& json) {
 
 void WriteReport(Utf8Output& output) {
     const PageState state;
-    output.Write(L"kordiag ", ProgramVersion, L", ", NowInUtc(), L"\n", SystemVersion(), L", ",
-                 state.Dpi, L" DPI\n\nInstallation\n\n");
+    output.Write(L"kordiag ", ProgramVersion, L", ", NowInUtc(), L"\n", SystemName(), L", ",
+                 state.Dpi, L" DPI\n\nSystem\n\n");
+    WriteFacts(output);
+    output.Write(L"\nInstallation\n\n");
     WriteQueries(output);
+    output.Write(L"\nKeys of the installation\n\n");
+    WriteInstallKeys(output);
     output.Write(L"\nCatalogue\n\n");
     WriteCatalogue(output, CatalogueAnswer(state));
     output.Write(L"\nSizes\n\n");
@@ -83,18 +75,19 @@ void WriteReport(Utf8Output& output) {
     output.Write(L"\nPage\n\n", state.Page.PageHtml, L"\n");
 }
 
+Redaction RedactionFor(bool redacts) {
+    return redacts ? Redaction::OfThisUser() : Redaction();
+}
+
 // The whole answer, without the names of the user and the computer if they are to be left out.
 std::wstring ReportText(const Arguments& arguments) {
-    const Redaction redaction = arguments.Has(OptionRedact) ? Redaction::OfThisUser() : Redaction();
-    Utf8Output kept;
+    const bool redacts = arguments.Has(OptionRedact);
     if (arguments.Has(OptionJson)) {
-        JsonWriter json(kept, &redaction);
-        WriteReport(json);
-        kept.Write(L"\n");
-        return kept.Take();
+        return ReportDocument(redacts) + L"\n";
     }
+    Utf8Output kept;
     WriteReport(kept);
-    return redaction.Apply(kept.Take());
+    return RedactionFor(redacts).Apply(kept.Take());
 }
 
 ExitCode Refuse(Streams& streams, const wchar_t* path, const wchar_t* why, DWORD error) {
@@ -127,6 +120,14 @@ ExitCode WriteFile(const Arguments& arguments, Streams& streams) {
 }
 
 } // namespace
+
+std::wstring ReportDocument(bool redacts) {
+    const Redaction redaction = RedactionFor(redacts);
+    Utf8Output kept;
+    JsonWriter json(kept, &redaction);
+    WriteReport(json, redacts);
+    return kept.Take();
+}
 
 ExitCode RunReport(const Arguments& arguments, Streams& streams) {
     if (arguments.Has(OptionOutput)) {

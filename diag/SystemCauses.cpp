@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <string_view>
 
 #include "res/resource.h"
 
@@ -53,6 +54,16 @@ bool HasAssociation(const CKORString& extension, ASSOCSTR kind) {
     return result == S_OK || result == E_POINTER;
 }
 
+// As a text of PowerShell's. A quote in it, of which PowerShell takes curved ones, too, is doubled.
+std::wstring InPowerShellQuotes(const CKORString& text) {
+    constexpr std::wstring_view Quotes = L"'\x2018\x2019\x201A\x201B";
+    std::wstring quoted = L"'";
+    for (const wchar_t c : std::wstring_view(text.Text())) {
+        quoted.append(Quotes.find(c) != Quotes.npos ? 2 : 1, c);
+    }
+    return quoted + L"'";
+}
+
 HRESULT Create(REFCLSID type) {
     IUnknown* object = nullptr;
     const HRESULT result = CoCreateInstance(type, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
@@ -91,8 +102,7 @@ std::optional<Cause> CauseOfBlockedHelp(const CKORString& file) {
                      L"pages of it: " +
                          file,
                      L"Remove the mark:",
-                     {L"powershell", L"Unblock-File", L"-LiteralPath",
-                      (L"'" + std::wstring(file.Text()) + L"'")}};
+                     {L"powershell", L"Unblock-File", L"-LiteralPath", InPowerShellQuotes(file)}};
     }
     return std::nullopt;
 }

@@ -1,3 +1,4 @@
+// Turns wide text into UTF-8 and writes it.
 #include "diag/Utf8Output.h"
 
 #include <algorithm>

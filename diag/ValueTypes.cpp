@@ -1,3 +1,4 @@
+// The words for the types of values.
 #include "diag/ValueTypes.h"
 
 #include <algorithm>

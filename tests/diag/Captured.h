@@ -56,14 +56,32 @@ std::string Capture(Function function) {
     return captured.Bytes();
 }
 
-// What kordiag answers to the words; its messages are dropped.
+inline std::string Utf8(const std::wstring& text) {
+    std::string bytes(3 * text.size(), '\0');
+    bytes.resize(static_cast<std::size_t>(
+        WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+                            static_cast<int>(bytes.size()), nullptr, nullptr)));
+    return bytes;
+}
+
+struct Outcome {
+    ExitCode Code;
+    std::string Out;
+    std::string Err;
+};
+
+// What kordiag answers to the words, without a file in between.
+inline Outcome Kordiag(const std::vector<std::wstring>& words) {
+    Utf8Output out;
+    Utf8Output err;
+    Streams streams = {out, err};
+    const ExitCode code = RunCommandLine(words, streams);
+    return {code, Utf8(out.Take()), Utf8(err.Take())};
+}
+
+// The same; its messages are dropped.
 inline std::string OutputOf(const std::vector<std::wstring>& words) {
-    const Captured dropped;
-    return Capture([&](Utf8Output& out) {
-        Utf8Output errors(dropped.Handle());
-        Streams streams = {out, errors};
-        RunCommandLine(words, streams);
-    });
+    return Kordiag(words).Out;
 }
 
 } // namespace test

@@ -13,44 +13,28 @@
 
 namespace {
 
-struct Outcome {
-    ExitCode code;
-    std::string out;
-    std::string err;
-};
-
-Outcome Kordiag(const std::vector<std::wstring>& words) {
-    const test::Captured out;
-    const test::Captured err;
-    ExitCode code = ExitCode::Answered;
-    {
-        Utf8Output outStream(out.Handle());
-        Utf8Output errStream(err.Handle());
-        Streams streams = {outStream, errStream};
-        code = RunCommandLine(words, streams);
-    }
-    return {code, out.Bytes(), err.Bytes()};
-}
+using test::Kordiag;
+using test::Outcome;
 
 TEST(CommandLine, HelpFitsOneScreen) {
     const Outcome help = Kordiag({});
-    EXPECT_EQ(help.code, ExitCode::Answered);
-    EXPECT_EQ(help.err, "");
-    EXPECT_LE(std::count(help.out.begin(), help.out.end(), '\n'), 30);
+    EXPECT_EQ(help.Code, ExitCode::Answered);
+    EXPECT_EQ(help.Err, "");
+    EXPECT_LE(std::count(help.Out.begin(), help.Out.end(), '\n'), 30);
     std::size_t length = 0;
-    for (const char c : help.out) {
+    for (const char c : help.Out) {
         length = c == '\n' ? 0 : length + 1;
         ASSERT_LE(length, 100U);
     }
-    EXPECT_EQ(Kordiag({L"--help"}).out, help.out);
-    EXPECT_EQ(Kordiag({L"-h"}).out, help.out);
+    EXPECT_EQ(Kordiag({L"--help"}).Out, help.Out);
+    EXPECT_EQ(Kordiag({L"-h"}).Out, help.Out);
 }
 
 TEST(CommandLine, EachCommandTellsItsUsage) {
     const Outcome usage = Kordiag({L"sizes", L"--help"});
-    EXPECT_EQ(usage.code, ExitCode::Answered);
-    EXPECT_EQ(usage.out, "usage: kordiag sizes [--dpi N] [--json]\n");
-    EXPECT_EQ(usage.err, "");
+    EXPECT_EQ(usage.Code, ExitCode::Answered);
+    EXPECT_EQ(usage.Out, "usage: kordiag sizes [--dpi N] [--json]\n");
+    EXPECT_EQ(usage.Err, "");
 }
 
 struct WrongUsage {
@@ -88,9 +72,9 @@ TEST(CommandLine, WrongUsageShowsTheUsageOfTheCommand) {
     };
     for (const WrongUsage& c : cases) {
         const Outcome outcome = Kordiag(c.words);
-        EXPECT_EQ(outcome.code, ExitCode::WrongUsage) << c.message;
-        EXPECT_EQ(outcome.out, "") << c.message;
-        EXPECT_EQ(outcome.err, std::string(c.message) + c.usage);
+        EXPECT_EQ(outcome.Code, ExitCode::WrongUsage) << c.message;
+        EXPECT_EQ(outcome.Out, "") << c.message;
+        EXPECT_EQ(outcome.Err, std::string(c.message) + c.usage);
     }
 }
 
@@ -98,28 +82,28 @@ TEST(CommandLine, TakesOptionsAnywhereAndNamesBehindDashes) {
     SetEnvironmentVariableW(L"--json", L"dashes");
     const Outcome outcome = Kordiag({L"setting", L"--json", L"--", L"--json"});
     SetEnvironmentVariableW(L"--json", nullptr);
-    EXPECT_EQ(outcome.code, ExitCode::Answered) << outcome.err;
-    EXPECT_EQ(outcome.out, "{\"name\":\"--json\",\"found\":true,\"value\":\"dashes\",\"source\":"
+    EXPECT_EQ(outcome.Code, ExitCode::Answered) << outcome.Err;
+    EXPECT_EQ(outcome.Out, "{\"name\":\"--json\",\"found\":true,\"value\":\"dashes\",\"source\":"
                            "\"environment --json\"}\n");
 }
 
 TEST(CommandLine, ADpiOfAnySizeIsTaken) {
     const test::TestInstallation nothing;
     const Outcome outcome = Kordiag({L"sizes", L"--dpi", L"9600", L"--json"});
-    EXPECT_EQ(outcome.code, ExitCode::Answered);
-    EXPECT_EQ(outcome.out.rfind("{\"dpi\":9600,\"sectionBaseHeight\":4500,\"itemHeight\":2000,"
+    EXPECT_EQ(outcome.Code, ExitCode::Answered);
+    EXPECT_EQ(outcome.Out.rfind("{\"dpi\":9600,\"sectionBaseHeight\":4500,\"itemHeight\":2000,"
                                 "\"baseWidth\":1405,",
                                 0),
               0U)
-        << outcome.out;
+        << outcome.Out;
 }
 
 TEST(CommandLine, ASettingThatIsNotThereIsANo) {
-    EXPECT_EQ(Kordiag({L"setting", L"KOR_NO_SUCH_VARIABLE"}).code, ExitCode::No);
+    EXPECT_EQ(Kordiag({L"setting", L"KOR_NO_SUCH_VARIABLE"}).Code, ExitCode::No);
     const Outcome json = Kordiag({L"setting", L"KOR_NO_SUCH_VARIABLE", L"--json"});
-    EXPECT_EQ(json.code, ExitCode::No);
+    EXPECT_EQ(json.Code, ExitCode::No);
     EXPECT_EQ(
-        json.out,
+        json.Out,
         "{\"name\":\"KOR_NO_SUCH_VARIABLE\",\"found\":false,\"value\":\"\",\"source\":\"\"}\n");
 }
 

@@ -1,3 +1,4 @@
+// The JSON that is written, byte by byte.
 #include "diag/JsonWriter.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// What is said about a path that does not exist.
 #include "diag/MissingPath.h"
 
 #include <gtest/gtest.h>

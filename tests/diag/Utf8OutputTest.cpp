@@ -1,3 +1,4 @@
+// What is written for wide text, whole or damaged.
 #include "diag/Utf8Output.h"
 
 #include <gtest/gtest.h>

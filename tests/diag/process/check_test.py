@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """check_test.py KORDIAG LAUNCHER: the verdicts of kordiag check. Findings are written by hand; each fault is
 made in a sound installation, gives just its finding, and what the remedy says mends it."""
+import re
 import shutil
 import sys
 import unittest
@@ -32,8 +33,18 @@ class Check(unittest.TestCase):
     def findings(self):
         return [(f["severity"], f["code"], f["subjects"], f["found"]) for f in self.check()["findings"]]
 
+    def check_writes_nothing(self):
+        def now():
+            files = (self.prefix.path / "drive_c").rglob("*")
+            return self.prefix.export_registry(), sorted((str(file), file.lstat().st_mtime_ns) for file in files)
+        before = now()
+        self.prefix.run("check")
+        self.assertEqual(now(), before)
+
 
 class EachFault(Check):
+    """Beside these: keys that may not be read, and help files from elsewhere (tests/diag/FindingsTest.cpp)."""
+
     @classmethod
     def setUpClass(cls):
         cls.prefix = Prefix(PROGRAM, "development", viewers=True)
@@ -60,10 +71,14 @@ class EachFault(Check):
                          else "sound: 0 errors, 1 warnings")
         return document["findings"][0]
 
-    def mend(self, finding):
-        """Does what the remedy's command says."""
-        self.assertEqual(finding["command"][0], "kordiag")
-        self.assertEqual(self.prefix.run(*finding["command"][1:]), (0, b"", b""))
+    def mend(self, finding, text=None):
+        """Does what the remedy's command says, or the one in its words, with the text in place of TEXT."""
+        command = finding["command"]
+        if text is not None:
+            words = re.findall(r'"([^"]*)"|(\S+)', finding["remedy"].partition("in place of TEXT: ")[2])
+            command = [text if word == "TEXT" else word for word in (a or b for a, b in words)]
+        self.assertEqual(command[0], "kordiag")
+        self.assertEqual(self.prefix.run(*command[1:]), (0, b"", b""))
 
     def test_a_missing_version(self):
         self.set(LIBRARY, '"KorVersion"=-')
@@ -71,20 +86,19 @@ class EachFault(Check):
         self.assertEqual(finding["found"], f'the value "KorVersion" of {LIBRARY} does not exist')
         self.assertIn(f'kordiag registry set "{LIBRARY}" KorVersion string TEXT --create --anywhere',
                       finding["remedy"])
-        self.prefix.run("registry", "set", LIBRARY, "KorVersion", "string", "10", "--create", "--anywhere")
+        self.mend(finding, "10")
 
     def test_a_missing_examples_root(self):
         self.set(INSTALL + r"\ActiveKor", '"ExamplesRootPath"=-')
-        self.finding("value-missing", ["ACTIVEKOR_2", "ActiveKOR: Sample Gallery"])
-        self.prefix.run("registry", "set", INSTALL + r"\ActiveKor", "ExamplesRootPath", "string",
-                        r"C:\Users\Public\Documents\Vantrel Imaging\Examples\ActiveKor", "--create", "--anywhere")
+        finding = self.finding("value-missing", ["ACTIVEKOR_2", "ActiveKOR: Sample Gallery"])
+        self.mend(finding, r"C:\Users\Public\Documents\Vantrel Imaging\Examples\ActiveKor")
 
     def test_an_empty_folder_value(self):
         self.set(FLOW_FORGE + r"\Install", '"InstallationPath"=""')
         finding = self.finding("value-empty", ["Flow Forge"])
         self.assertEqual(finding["found"], f'the Flow Forge install folder is empty: the value "InstallationPath" of '
                                            f"{FLOW_FORGE}\\Install is empty")
-        self.set(FLOW_FORGE + r"\Install", r'"InstallationPath"="C:\\Program Files\\Vantrel Flow Forge 3.0"')
+        self.mend(finding, r"C:\Program Files\Vantrel Flow Forge 3.0")
 
     def test_a_value_of_the_wrong_type(self):
         for name, severity, subject, good in (("KorVersion", "error", "valid installation", "10.50"),
@@ -92,7 +106,7 @@ class EachFault(Check):
             self.set(LIBRARY, f'"{name}"=dword:00000001')
             finding = self.finding("value-of-wrong-type", [subject], severity)
             self.assertEqual(finding["found"], f'the value "{name}" of {LIBRARY} is not a text')
-            self.prefix.run("registry", "set", LIBRARY, name, "string", good, "--create", "--anywhere")
+            self.mend(finding, good)
 
     def test_a_value_in_the_other_view(self):
         other = LIBRARY.replace("SOFTWARE", r"SOFTWARE\Wow6432Node")
@@ -176,9 +190,35 @@ class EachFault(Check):
         self.assertEqual(self.check("--strict", program=program)["findings"], [])
 
     def test_nothing_is_written(self):
-        before = self.prefix.export_registry()
-        self.prefix.run("check")
-        self.assertEqual(self.prefix.export_registry(), before)
+        self.check_writes_nothing()
+
+    def test_the_calls_are_no_more_than_twice_those_of_the_catalogue(self):
+        catalogue, check = self.calls("catalogue"), self.calls("check")
+        print(f"calls of Windows: {catalogue} for catalogue, {check} for check", file=sys.stderr)
+        self.assertGreater(check, catalogue)
+        self.assertLessEqual(check, 2 * catalogue)
+
+    def calls(self, command):
+        """How often the program calls Windows, its C library and its windows left out."""
+        code, _, trace = self.prefix.run(command, "--json", variables={"WINEDEBUG": "+pid,+relay"})
+        self.assertEqual(code, 0)
+        # Other programs are called from the same places.
+        calls = re.findall(rb"^(\w+):\w+:Call (\w+)\.(\S+?)\(.* ret=0*14\w{7}$", trace, re.MULTILINE)
+        ours = {process for process, _, function in calls if function == b"PathFileExistsW"}
+        self.assertEqual(len(ours), 1)
+        return sum(process in ours and library.lower() in (b"advapi32", b"kernel32", b"ole32", b"combase", b"shlwapi")
+                   for process, library, _ in calls)
+
+
+class NothingInstalled(Check):
+    def test_is_one_finding(self):
+        self.prefix = Prefix(PROGRAM)
+        self.addCleanup(self.prefix.close)
+        self.assertEqual(self.findings(), [("error", "nothing-installed", ["library"],
+                                            "the registry has neither a library version nor an install folder")])
+        self.check_writes_nothing()
+        self.prefix.install("development")
+        self.assertEqual(self.check("--strict")["findings"], [])
 
 
 def missing(found, *subjects, severity="error", kind="folder"):
@@ -235,6 +275,7 @@ class DamagedInstallations(Check):
 
     def test_damaged(self):
         self.assertEqual(self.verdict_of(), DAMAGED)
+        self.check_writes_nothing()
 
     def test_a_long_folder(self):
         self.assertEqual(self.verdict_of("long-folder.reg"), LONG_FOLDER)

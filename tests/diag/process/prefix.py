@@ -3,6 +3,7 @@ import contextlib
 import json
 import subprocess
 import sys
+import time
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "wine"))
@@ -45,6 +46,9 @@ class Prefix:
             elif installation:
                 lay_files(self.prefix, DEMO / installation / "files.txt")
                 self.import_registry(DEMO / installation / "registry.reg")
+            else:
+                # The first program starts services, which keep its output open after it has ended.
+                self.prefix.start("wineboot", stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).wait()
             # Without a desktop that stays, each program that asks for the screen makes one: 1.2 s.
             self.desktop = self.prefix.start("explorer.exe", "/desktop", stdout=subprocess.DEVNULL,
                                              stderr=subprocess.DEVNULL)
@@ -62,9 +66,12 @@ class Prefix:
         return self.prefix.start(program or self.program, *arguments, **options,
                                  env={**self.prefix.environment, **(variables or {})})
 
-    def run(self, *arguments, **options):
-        """Exit code, standard output and standard error, as bytes."""
+    def run(self, *arguments, meanwhile=None, **options):
+        """Exit code, standard output and standard error, as bytes; meanwhile is called as long as it runs."""
         process = self.start(*arguments, **options)
+        while meanwhile and process.poll() is None:
+            meanwhile()
+            time.sleep(0.2)
         out, err = process.communicate(timeout=120)
         return process.returncode, out, err
 

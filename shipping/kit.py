@@ -1,4 +1,5 @@
 """The kit that tries everything on Windows: test programs, both programs, installer, demonstration."""
+import re
 import tempfile
 from pathlib import Path
 
@@ -10,6 +11,10 @@ PARTS = Path(__file__).with_name("kit")
 DEMO = product.ROOT / "wine/demo/development"
 TOOLS = ("tests/endtoend/metrics.exe", "tests/endtoend/planted.dll")
 STUB = "wine/demo/demostub.exe"
+# What test programs find beside them: the engine that stands in for the real one, pages that examples are
+# taken from.
+STAND_IN = "wine/htmldocument/htmldocument.dll"
+PAGES = ("folder-settings.md", "kordiag.md")
 # Two halves with a restart of the registry's server in between, which nobody can give it on Windows.
 ONLY_UNDER_WINE = "registry_restart_tests.exe"
 
@@ -21,7 +26,8 @@ def contents(build, programs, installer):
     found |= {f"programs/{name}": data for name, data in programs.items()}
     found[installer.name] = installer.read_bytes()
     found |= {f"tools/{Path(name).name}": (build / "release" / name).read_bytes() for name in TOOLS}
-    found |= {f"tests/{name}": data for name, data in test_programs(build / "debug/tests")}
+    found |= {f"tests/{name}": data for name, data in test_programs(build / "debug")}
+    found |= {f"tests/{name}": (product.ROOT / "docs" / name).read_bytes() for name in PAGES}
     found["demo/registry.reg"] = windows_text(DEMO / "registry.reg")
     found |= {f"demo/files/{name}": data for name, data in demonstration((build / "release" / STUB).read_bytes())}
     return found
@@ -33,15 +39,20 @@ def windows_text(path):
 
 
 def test_programs(folder):
-    """The unit tests without what only a debugger reads, which is most of them."""
-    paths = [path for path in sorted(folder.rglob("*_tests.exe")) if path.name != ONLY_UNDER_WINE]
+    """The unit tests and the stand-in, without what only a debugger reads, which is most of them."""
+    paths = [path for path in sorted(folder.glob("tests/**/*_tests.exe")) if path.name != ONLY_UNDER_WINE]
     if not paths:
         raise Failed(f"there are no test programs in {folder}")
     with tempfile.TemporaryDirectory() as stage:
-        for path in paths:
+        for path in (*paths, folder / STAND_IN):
             stripped = Path(stage) / path.name
             run("x86_64-w64-mingw32-strip", "-o", stripped, path)
-            yield path.name, settled(stripped.read_bytes())
+            yield path.name, settled(without_identity(stripped.read_bytes()))
+
+
+def without_identity(program):
+    """Without the number that the linker made from the symbols, in which the build's folder counts, too."""
+    return re.sub(rb"RSDS.{8}(?=LLD PDB\.)", b"RSDS" + bytes(8), program, flags=re.DOTALL)
 
 
 def demonstration(stub):

@@ -123,7 +123,10 @@ class Installer(unittest.TestCase):
 
     def test_an_upgrade_replaces_the_older_version_where_it_was_put(self):
         chosen = self.drive / "Own Folder/Center"
-        self.assertEqual(self.msiexec("/i", windows_path(self.old), r"INSTALLDIR=C:\Own Folder\Center"), 0)
+        # The quotes belong around the value, which only a command line written out can say.
+        (self.drive / "install.cmd").write_text(
+            f'msiexec /i {windows_path(self.old)} INSTALLDIR="C:\\Own Folder\\Center" /qn\n')
+        self.prefix.run("cmd", "/c", r"C:\install.cmd")
         self.assertTrue((chosen / "docs/dropped.md").exists())
         self.assertEqual(self.msiexec("/i", windows_path(self.new)), 0)
         self.assert_installed(target=chosen)

@@ -100,9 +100,25 @@ class Symbols(unittest.TestCase):
                 checksum, = struct.unpack_from("<I", link, (len(debug) + 4) // 4 * 4)
                 self.assertEqual(checksum, zlib.crc32(Path(f"{path}.debug").read_bytes()))
 
-    def test_say_nothing_of_the_machine_that_they_were_made_on(self):
+    def test_the_programs_have_no_symbols_left(self):
+        for path in self.programs:
+            self.assertEqual(self.file_header(path)[3], 0, path.name)
+            self.assertFalse(any(name.startswith(".debug_") for name, *_ in Program(path).sections), path.name)
+
+    def test_say_nothing_of_the_machine_and_the_time_that_they_were_made_at(self):
         for path in self.folder.iterdir():
-            self.assertNotIn(str(ROOT).encode(), path.read_bytes(), path.name)
+            data = path.read_bytes()
+            self.assertNotIn(str(ROOT).encode(), data, path.name)
+            # The folder of the link, whose random part is taken out.
+            self.assertEqual(set(re.findall(b"kor-symbols-(.{8})", data)) - {b"00000000"}, set(), path.name)
+            if path.suffix != ".pdb":
+                self.assertEqual(self.file_header(path)[1], 0, path.name)
+
+    @staticmethod
+    def file_header(path):
+        """The machine and the number of sections in one, the time, where the symbols are, and how many."""
+        data = path.read_bytes()
+        return struct.unpack_from("<IIII", data, struct.unpack_from("<I", data, 0x3C)[0] + 4)
 
 
 if __name__ == "__main__":

@@ -89,6 +89,20 @@ class Development(EndToEnd):
         self.expect_size(width, base + sum(row_heights(changed)))
 
 
+class Folders(EndToEnd):
+    """The installation's four folders are those of the start."""
+
+    def test_refresh_keeps_them_and_a_restart_does_not(self):
+        session = self.session
+        session.start()
+        session.import_registry("[HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install]\n"
+                                '"installdir"="C:\\\\elsewhere\\\\"\n')
+        self.assertEqual(sections(session.refresh()), DEVELOPMENT)
+        self.end()
+        self.assertNotIn("General Tools", dict(sections(session.start())))
+        self.end()
+
+
 class Development120(EndToEnd):
     dpi = 120
 

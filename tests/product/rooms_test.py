@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""rooms_test.py: no include goes against the arrows that docs/architecture.md draws."""
+"""rooms_test.py: no include goes against the arrows that docs/architecture.md draws, and docs/quirks.md
+lists what the code points to it for."""
 import re
 import unittest
 from pathlib import Path
@@ -30,6 +31,12 @@ class Rooms(unittest.TestCase):
 
     def test_each_room_is_drawn(self):
         self.assertLessEqual({file.parent.name for file in ROOT.glob("*/*.cpp")}, set(DRAWN))
+
+    def test_each_quirk_has_its_line_and_its_paragraph(self):
+        told = re.findall(r"^`(\S+)`:", (ROOT / "docs/quirks.md").read_text(encoding="utf-8"), re.MULTILINE)
+        lines = [file.name for room in DRAWN for file in (ROOT / room).glob("*.*")
+                 if file.suffix in (".cpp", ".h") for _ in re.findall("docs/quirks.md", file.read_text("utf-8"))]
+        self.assertEqual(sorted(told), sorted(lines))
 
 
 if __name__ == "__main__":

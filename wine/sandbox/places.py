@@ -15,3 +15,5 @@ WINESERVER = shutil.which("wineserver") or "/usr/lib/wine/wineserver"
 HOME = BUILD / "scratch-home"
 TEMPLATE = BUILD / "prefix-template"
 TEMPLATE_READY = TEMPLATE / ".ready"
+# The template's Windows\System32, which it shares with its copies.
+SYSTEM = BUILD / "prefix-system32"

@@ -133,7 +133,7 @@ def show(options, stack):
     if picture:
         take_picture(center, picture)
     else:
-        say("Close the window or press Alt+F4 to end it; F5 reads the installation again.",
+        say("Close the window or press Alt+F4 to end it; F5 looks again at what there is in the folders of the start.",
             f"What the links start is noted in {prefix.drive.relative_to(ROOT)}/stub.log")
     code = shell_code(center.launcher.wait())
     if code != 0:

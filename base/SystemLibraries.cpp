@@ -14,18 +14,22 @@ void LoadLibrariesFromSystemOnly() {
     }
 }
 
+std::wstring FindSystemFile(const wchar_t* name) {
+    wchar_t folder[MAX_PATH];
+    const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
+    if (length == 0 || length + 1 + std::wcslen(name) >= MAX_PATH) {
+        return {};
+    }
+    return std::wstring(folder, length) + L"\\" + name;
+}
+
 HMODULE LoadSystemLibrary(const wchar_t* name) {
     const HMODULE library = LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
     if (library != nullptr) {
         return library;
     }
     // The system may not know the flag.
-    wchar_t path[MAX_PATH];
-    const UINT length = GetSystemDirectoryW(path, MAX_PATH);
-    if (length == 0 || length + 1 + std::wcslen(name) >= MAX_PATH) {
-        return nullptr;
-    }
-    path[length] = L'\\';
-    std::wcscpy(path + length + 1, name);
-    return LoadLibraryExW(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    const std::wstring path = FindSystemFile(name);
+    return path.empty() ? nullptr
+                        : LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }

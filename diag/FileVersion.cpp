@@ -15,12 +15,6 @@ Function* FunctionOf(HMODULE library, const char* name) {
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
 
-std::wstring PathOf(const wchar_t* name) {
-    wchar_t folder[MAX_PATH] = L"";
-    const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
-    return length < MAX_PATH ? std::wstring(folder, length) + L"\\" + name : name;
-}
-
 FileVersion InText(const VS_FIXEDFILEINFO& info) {
     const DWORD halves[] = {info.dwFileVersionMS, info.dwFileVersionLS};
     std::wstring text;
@@ -47,7 +41,10 @@ FileVersion VersionOfSystemFile(const wchar_t* name) {
     if (sizeOf == nullptr || read == nullptr || find == nullptr) {
         return Failure(ERROR_PROC_NOT_FOUND);
     }
-    const std::wstring path = PathOf(name);
+    const std::wstring path = FindSystemFile(name);
+    if (path.empty()) {
+        return Failure(ERROR_PATH_NOT_FOUND);
+    }
     const DWORD size = sizeOf(path.c_str(), nullptr);
     std::vector<unsigned char> data(size);
     if (size == 0 || read(path.c_str(), 0, size, data.data()) == FALSE) {

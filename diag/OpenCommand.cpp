@@ -68,6 +68,8 @@ Reply ReplyOf(DWORD error) {
 Reply Ask(const ShellCall& call) {
     const HRESULT started =
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    // An error of before is none of the shell's.
+    SetLastError(ERROR_SUCCESS);
     const ShellAnswer answer = call.Make();
     if (SUCCEEDED(started)) {
         CoUninitialize();

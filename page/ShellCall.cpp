@@ -37,8 +37,6 @@ ShellAnswer ExecuteExtended(const ShellCall& call) {
 } // namespace
 
 ShellAnswer ShellCall::Make() const {
-    // An error of before is none of the shell's.
-    SetLastError(ERROR_SUCCESS);
     return IsExtended ? ExecuteExtended(*this) : Execute(*this);
 }
 

@@ -10,7 +10,7 @@
 struct ShellAnswer {
     bool IsStarted;
     INT_PTR Result; // over 32 when it was started, else the shell's own number of the failure
-    DWORD Error;    // of the thread, when it was not started; the shell need not set it
+    DWORD Error;    // the thread's, when it was not started; the shell need not set it
 };
 
 // One call of ShellExecuteEx, or of ShellExecute; what is not named here is null.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "diag/Commands.h"
+#include "diag/JsonWriter.h"
 #include "diag/Utf8Output.h"
 
 namespace test {
@@ -54,6 +55,14 @@ std::string Capture(Function function) {
         function(output);
     }
     return captured.Bytes();
+}
+
+// The document that the function writes.
+inline std::string JsonOf(void (*write)(JsonWriter&)) {
+    return Capture([&](Utf8Output& output) {
+        JsonWriter json(output);
+        write(json);
+    });
 }
 
 inline std::string Utf8(const std::wstring& text) {

@@ -1,11 +1,8 @@
-// What the report says about the system and the keys of the installation: right, or not known.
+// What the report says about the system: right, or not known.
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <algorithm>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -13,20 +10,11 @@
 #include <vector>
 
 #include "diag/FileVersion.h"
-#include "diag/InstallKeys.h"
 #include "diag/SystemFacts.h"
 #include "tests/diag/Captured.h"
 #include "tests/support/ImportHook.h"
-#include "tests/support/TestInstallation.h"
 
 namespace {
-
-std::string Json(void (*write)(JsonWriter&)) {
-    return test::Capture([&](Utf8Output& output) {
-        JsonWriter json(output);
-        write(json);
-    });
-}
 
 // What the text says behind the words.
 std::string InText(const std::string& words) {
@@ -41,7 +29,7 @@ std::string InText(const std::string& words) {
 
 // Whether the JSON document has the member with the value.
 bool HasMember(const std::string& member, const std::string& value) {
-    const std::string facts = Json(WriteFacts);
+    const std::string facts = test::JsonOf(WriteFacts);
     const std::string pair = "\"" + member + "\":" + value;
     return facts.find(pair + ",") != std::string::npos ||
            facts.find(pair + "}") != std::string::npos;
@@ -122,7 +110,8 @@ TEST(SystemFacts, WindowsElevenIsCalledSoByItsBuildAndNoServerIs) {
         values.Set(System, L"ProductName", c.product);
         values.Set(System, L"CurrentBuild", c.build);
         EXPECT_EQ(InText("name"), c.name) << c.build;
-        EXPECT_TRUE(HasMember("windows", "\"" + std::string(c.name) + "\"")) << Json(WriteFacts);
+        EXPECT_TRUE(HasMember("windows", "\"" + std::string(c.name) + "\""))
+            << test::JsonOf(WriteFacts);
     }
 }
 
@@ -352,91 +341,15 @@ TEST(SystemFacts, TheScreenAndItsAidsAreAskedOfTheSystem) {
     }
 }
 
-// The system's folder is one of ours, with libraries made for the test.
-class SystemFiles : public testing::Test {
-protected:
-    SystemFiles() { m_files.MakeFolder(L"C:\\KorTest\\system"); }
-
-    // A copy of this program, which Wine does not take for its own library of that name, with the
-    // resource.
-    static void MakeLibrary(const wchar_t* name, const std::vector<WORD>& version) {
-        wchar_t program[MAX_PATH] = L"";
-        GetModuleFileNameW(nullptr, program, MAX_PATH);
-        const std::wstring path = std::wstring(L"C:\\KorTest\\system\\") + name;
-        ASSERT_TRUE(CopyFileW(program, path.c_str(), FALSE));
-        const HANDLE update = BeginUpdateResourceW(path.c_str(), TRUE);
-        ASSERT_NE(update, nullptr);
-        ASSERT_TRUE(UpdateResourceW(update, RT_VERSION, MAKEINTRESOURCEW(1), 0x409,
-                                    const_cast<WORD*>(version.data()),
-                                    static_cast<DWORD>(version.size() * sizeof(WORD))));
-        ASSERT_TRUE(EndUpdateResourceW(update, FALSE));
-    }
-
-    // A version resource that has only the fixed part, with the given value of it.
-    static std::vector<WORD> Resource(const std::vector<WORD>& fixed) {
-        std::vector<WORD> data = {0, static_cast<WORD>(fixed.size() * sizeof(WORD)), 0};
-        constexpr wchar_t Name[] = L"VS_VERSION_INFO";
-        for (const wchar_t c : Name) {
-            data.push_back(c);
-        }
-        data.push_back(0); // the fixed part begins at a multiple of four bytes
-        data.insert(data.end(), fixed.begin(), fixed.end());
-        data[0] = static_cast<WORD>(data.size() * sizeof(WORD));
-        return data;
-    }
-
-    static std::vector<WORD> Fixed() {
-        std::vector<WORD> fixed(sizeof(VS_FIXEDFILEINFO) / sizeof(WORD));
-        VS_FIXEDFILEINFO info = {};
-        info.dwSignature = VS_FFI_SIGNATURE;
-        info.dwStrucVersion = 0x10000;
-        info.dwFileVersionMS = 0x000B0000;
-        info.dwFileVersionLS = 0x585F0BBF;
-        info.dwProductVersionMS = 0x00010002;
-        std::memcpy(fixed.data(), &info, sizeof info);
-        return fixed;
-    }
-
-    static FileVersion VersionOf(const wchar_t* name) {
-        HOOK_IMPORT(folder, GetSystemDirectoryW, [](LPWSTR path, UINT) -> UINT {
-            constexpr wchar_t Folder[] = L"C:\\KorTest\\system";
-            std::memcpy(path, Folder, sizeof Folder);
-            return std::size(Folder) - 1;
-        });
-        return VersionOfSystemFile(name);
-    }
-
-    test::TestInstallation m_files;
-};
-
-TEST_F(SystemFiles, TheVersionIsThatOfTheFile) {
-    MakeLibrary(L"a.dll", Resource(Fixed()));
-    const FileVersion version = VersionOf(L"a.dll");
-    EXPECT_EQ(version.Error, static_cast<DWORD>(ERROR_SUCCESS));
-    EXPECT_EQ(version.Text, L"11.0.22623.3007");
-}
-
-TEST_F(SystemFiles, AFileThatIsNotThereOrSaysNothingHasNoVersion) {
-    EXPECT_EQ(VersionOf(L"a.dll").Error, static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-    std::ofstream("C:\\KorTest\\system\\a.dll") << "no library";
-    EXPECT_NE(VersionOf(L"a.dll").Error, static_cast<DWORD>(ERROR_SUCCESS));
-    EXPECT_EQ(VersionOf(L"a.dll").Text, L"");
-    MakeLibrary(L"b.dll", Resource({}));
-    EXPECT_EQ(VersionOf(L"b.dll").Error, static_cast<DWORD>(ERROR_INVALID_DATA));
-    MakeLibrary(L"c.dll", Resource({1, 2, 3, 4}));
-    EXPECT_EQ(VersionOf(L"c.dll").Error, static_cast<DWORD>(ERROR_INVALID_DATA));
-}
-
-TEST_F(SystemFiles, WithoutTheLibraryForVersionsThereIsNone) {
+TEST(SystemFacts, WithoutTheLibraryForVersionsThereAreNone) {
     HOOK_IMPORT(load, LoadLibraryExW, [](LPCWSTR, HANDLE, DWORD) -> HMODULE {
         SetLastError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     });
-    EXPECT_EQ(VersionOf(L"a.dll").Error, static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
-    EXPECT_EQ(InText("mshtml.dll"), "unknown (error 126)");
-    EXPECT_EQ(InText("ieframe.dll"), "unknown (error 126)");
-    EXPECT_TRUE(HasMember("mshtml", "null"));
-    EXPECT_TRUE(HasMember("ieframe", "null"));
+    for (const char* const library : {"mshtml", "ieframe"}) {
+        EXPECT_EQ(InText(std::string(library) + ".dll"), "unknown (error 126)");
+        EXPECT_TRUE(HasMember(library, "null"));
+    }
 }
 
 // Wine gives its own library's version for these names, whatever file there is.
@@ -449,101 +362,6 @@ TEST(SystemFacts, TheVersionsOfThePagesLibrariesAreTheSystems) {
     EXPECT_EQ(InText("ieframe.dll"), std::string(frame.begin(), frame.end()));
     EXPECT_TRUE(HasMember("mshtml", '"' + InText("mshtml.dll") + '"'));
     EXPECT_TRUE(HasMember("ieframe", '"' + InText("ieframe.dll") + '"'));
-}
-
-std::string KeysInText() {
-    return test::Capture([](Utf8Output& output) { WriteInstallKeys(output); });
-}
-
-constexpr char Install[] =
-    "HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install";
-constexpr char InstallInJson[] = R"({"key":"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\)"
-                                 R"(Vantrel Imaging Library\\Runtime\\install",)";
-
-TEST(InstallKeys, EachIsNamedOnceWithTheTimeOfItsLastWrite) {
-    const test::TestInstallation installation;
-    installation.MakeKey(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install");
-    SYSTEMTIME before = {};
-    GetSystemTime(&before);
-    installation.SetText(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install", L"installdir",
-                         L"C:\\");
-    SYSTEMTIME after = {};
-    GetSystemTime(&after);
-    const std::string text = KeysInText();
-    const std::string start = std::string(Install) + "\n  last written ";
-    ASSERT_EQ(text.rfind(start, 0), 0U) << text;
-    const std::string time = text.substr(start.size(), 20);
-    EXPECT_GE(std::wstring(time.begin(), time.end()), InIso8601(before));
-    EXPECT_LE(std::wstring(time.begin(), time.end()), InIso8601(after));
-    const std::string json = Json(WriteInstallKeys);
-    EXPECT_EQ(json.rfind(std::string("[") + InstallInJson + R"("exists":true,"written":")" + time +
-                             "\"},{",
-                         0),
-              0U)
-        << json;
-    const std::string rest = std::string(Install) + "\\ActiveKor\n  does not exist\n" + Install +
-                             "\\KOR\n  does not exist\n"
-                             "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Install\n"
-                             "  does not exist\n"
-                             "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Imaging Library\n"
-                             "  last written ";
-    EXPECT_EQ(text.substr(start.size() + time.size() + 1, rest.size()), rest);
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 10) << text;
-    EXPECT_NE(json.find(R"(\\ActiveKor","exists":false,"written":null})"), std::string::npos)
-        << json;
-}
-
-TEST(InstallKeys, TimesAreInUtcAndIso8601) {
-    const test::TestInstallation installation;
-    installation.MakeKey(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install");
-    ULARGE_INTEGER written = {};
-    written.QuadPart = 133542047999999999; // a tick before 2024-03-06 13:20
-    HOOK_IMPORT(information, RegQueryInfoKeyW,
-                [&](HKEY, LPWSTR, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD,
-                    LPDWORD, LPDWORD, PFILETIME time) -> LSTATUS {
-                    *time = {written.LowPart, written.HighPart};
-                    return ERROR_SUCCESS;
-                });
-    EXPECT_NE(KeysInText().find("install\n  last written 2024-03-06T13:19:59Z\n"),
-              std::string::npos)
-        << KeysInText();
-    written.QuadPart = 0xFFFFFFFFFFFFFFFF;
-    EXPECT_NE(KeysInText().find("install\n  last written: unknown (error 13)\n"),
-              std::string::npos);
-    EXPECT_NE(Json(WriteInstallKeys)
-                  .find(std::string(InstallInJson) + R"("exists":true,"written":null})"),
-              std::string::npos);
-}
-
-TEST(InstallKeys, AKeyThatMayNotBeReadExistsAllTheSame) {
-    const test::TestInstallation installation;
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [](HKEY, LPCWSTR, DWORD, REGSAM, PHKEY) -> LSTATUS { return ERROR_ACCESS_DENIED; });
-    EXPECT_NE(KeysInText().find("install\n  last written: unknown (error 5)\n"), std::string::npos);
-    EXPECT_NE(Json(WriteInstallKeys)
-                  .find(std::string(InstallInJson) + R"("exists":true,"written":null})"),
-              std::string::npos);
-}
-
-TEST(InstallKeys, AKeyIsClosedWhateverItSays) {
-    const test::TestInstallation installation;
-    installation.MakeKey(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install");
-    int open = 0;
-    HOOK_IMPORT(opening, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR name, DWORD options, REGSAM rights, PHKEY key) -> LSTATUS {
-                    const LSTATUS result = opening.Original(root, name, options, rights, key);
-                    open += result == ERROR_SUCCESS ? 1 : 0;
-                    return result;
-                });
-    HOOK_IMPORT(closing, RegCloseKey, [&](HKEY key) -> LSTATUS {
-        --open;
-        return closing.Original(key);
-    });
-    HOOK_IMPORT(information, RegQueryInfoKeyW,
-                [](HKEY, LPWSTR, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD,
-                   LPDWORD, LPDWORD, PFILETIME) -> LSTATUS { return ERROR_ACCESS_DENIED; });
-    EXPECT_NE(KeysInText().find("install\n  last written: unknown (error 5)\n"), std::string::npos);
-    EXPECT_EQ(open, 0);
 }
 
 } // namespace

@@ -48,6 +48,8 @@ class Installer(unittest.TestCase):
     def files(self):
         """All files and folders of the drive but the installer's own store."""
         found = {str(path.relative_to(self.drive)) for path in self.drive.rglob("*")}
+        # It is a link, into which rglob does not go.
+        found |= {f"windows/system32/{path.name}" for path in (self.drive / "windows/system32").iterdir()}
         return {path for path in found if not path.startswith("windows/Installer")}
 
     def registry(self):

@@ -7,7 +7,7 @@ import sys
 import time
 import unittest
 
-from prefix import LINKS, ROOT, Prefix
+from prefix import LINKS, ROOT, Prefix, private_display
 
 PROGRAM = None
 
@@ -20,7 +20,9 @@ def in_plain_form(command_line):
 
 class Open(unittest.TestCase):
     def setUp(self):
-        self.prefix = Prefix(PROGRAM, "development", viewers=True)
+        # A key goes to whatever window is in front: none of another test's.
+        self.display = self.enterContext(private_display("1024x768"))
+        self.prefix = Prefix(PROGRAM, "development", viewers=True, DISPLAY=self.display)
         self.addCleanup(self.prefix.close)
         # Folders are opened by a program that notes its command line, too.
         self.prefix.import_registry(ROOT / "tests/endtoend/folders.reg")
@@ -80,7 +82,7 @@ class Open(unittest.TestCase):
     def answer_message(self):
         """The shell of Wine 10 tells the user and waits for the answer, as that of Windows does; Wine 8's does not."""
         subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^Error$", "key", "Return"], check=False,
-                       stderr=subprocess.DEVNULL)
+                       stderr=subprocess.DEVNULL, env=self.prefix.prefix.environment)
 
     def test_nothing_to_open(self):
         (self.prefix.path / "drive_c/Program Files/Vantrel Imaging/Tools/GaugeBench.exe").unlink()

@@ -9,6 +9,7 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "wine"))
 import jsonschema  # noqa: E402
 from sandbox.demopage import DEVELOPMENT, LINKS, SECTIONS, row_heights  # noqa: E402, F401
+from sandbox.display import private_display  # noqa: E402, F401
 from sandbox.installation import install, lay_files  # noqa: E402
 from sandbox.places import DEMO, ROOT  # noqa: E402, F401
 from sandbox.prefix import throw_away  # noqa: E402
@@ -33,12 +34,12 @@ def validate(command, document):
 
 class Prefix:
     """installation: a folder of wine/demo, or none for an empty prefix. viewers: also what shows documents and
-    HTML pages."""
+    HTML pages. variables: of the environment, for all of its programs."""
 
-    def __init__(self, program, installation=None, viewers=False):
+    def __init__(self, program, installation=None, viewers=False, **variables):
         self.program = program
         with contextlib.ExitStack() as stack:
-            self.prefix = stack.enter_context(throw_away("kordiag"))
+            self.prefix = stack.enter_context(throw_away("kordiag", **variables))
             self.path = self.prefix.path
             self.import_registry = self.prefix.import_registry
             if viewers:

@@ -14,13 +14,14 @@ void LoadLibrariesFromSystemOnly() {
     }
 }
 
-std::wstring FindSystemFile(const wchar_t* name) {
-    wchar_t folder[MAX_PATH];
-    const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
+bool FindSystemFile(const wchar_t* name, wchar_t (&path)[MAX_PATH]) {
+    const UINT length = GetSystemDirectoryW(path, MAX_PATH);
     if (length == 0 || length + 1 + std::wcslen(name) >= MAX_PATH) {
-        return {};
+        return false;
     }
-    return std::wstring(folder, length) + L"\\" + name;
+    path[length] = L'\\';
+    std::wcscpy(path + length + 1, name);
+    return true;
 }
 
 HMODULE LoadSystemLibrary(const wchar_t* name) {
@@ -29,7 +30,7 @@ HMODULE LoadSystemLibrary(const wchar_t* name) {
         return library;
     }
     // The system may not know the flag.
-    const std::wstring path = FindSystemFile(name);
-    return path.empty() ? nullptr
-                        : LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    wchar_t path[MAX_PATH];
+    return FindSystemFile(name, path) ? LoadLibraryExW(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)
+                                      : nullptr;
 }

@@ -3,16 +3,15 @@
 
 #include <windows.h>
 
-#include <string>
-
 // From now on DLLs that are loaded by name come from the system's folder and the folders that were
 // added on purpose. An old system that cannot do that stays as it is. To be called before anything
 // else.
 void LoadLibrariesFromSystemOnly();
 
-// The path of a file in the system's folder, which need not be there; empty when the folder cannot
-// be found or the path would be too long. The name is short, without a path.
-std::wstring FindSystemFile(const wchar_t* name);
+// Writes the path of a file in the system's folder, which need not be there. False when the folder
+// cannot be found or the path would be too long; path is undefined then. The name is short, without
+// a path.
+[[nodiscard]] bool FindSystemFile(const wchar_t* name, wchar_t (&path)[MAX_PATH]);
 
 // The DLL from the system's folder, null when it cannot be loaded. It stays loaded. The name is
 // short, without a path.

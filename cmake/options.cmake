@@ -12,7 +12,7 @@ target_compile_options(kor_options INTERFACE
     $<${gnu_cxx}:
     -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
     -Wcast-qual -Wcast-align -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wundef
-    -Wnull-dereference -Wextra-semi
+    -Wnull-dereference -Wextra-semi -Wredundant-decls -Wsuggest-override -Wzero-as-null-pointer-constant
     -ffunction-sections -fdata-sections -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=>
     $<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:
     -Wduplicated-cond -Wduplicated-branches -Wlogical-op>)

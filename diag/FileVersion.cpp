@@ -41,13 +41,13 @@ FileVersion VersionOfSystemFile(const wchar_t* name) {
     if (sizeOf == nullptr || read == nullptr || find == nullptr) {
         return Failure(ERROR_PROC_NOT_FOUND);
     }
-    const std::wstring path = FindSystemFile(name);
-    if (path.empty()) {
+    wchar_t path[MAX_PATH];
+    if (!FindSystemFile(name, path)) {
         return Failure(ERROR_PATH_NOT_FOUND);
     }
-    const DWORD size = sizeOf(path.c_str(), nullptr);
+    const DWORD size = sizeOf(path, nullptr);
     std::vector<unsigned char> data(size);
-    if (size == 0 || read(path.c_str(), 0, size, data.data()) == FALSE) {
+    if (size == 0 || read(path, 0, size, data.data()) == FALSE) {
         return Failure(GetLastError());
     }
     void* info = nullptr;

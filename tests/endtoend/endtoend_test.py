@@ -4,7 +4,7 @@ window, its page and what its links start. CTest runs one class at a time."""
 import shutil
 import unittest
 
-from session import DEMO, DEVELOPMENT, LINKS, TITLE, Session, row_heights, wait_for
+from session import DEMO, DEVELOPMENT, LINKS, TITLE, Session, row_heights, wait_for, width_of
 
 
 def sections(page):
@@ -51,7 +51,7 @@ class Development(EndToEnd):
         self.assertEqual(sections(page), DEVELOPMENT)
         self.assertTrue(next(box for box in page["boxes"] if box["tag"] == "img")["loaded"])
 
-        width = metrics["SM_CXVSCROLL"] + 2 * (metrics["SM_CYDLGFRAME"] + 320)
+        width = width_of(metrics)
         base = self.base_height(metrics)
         self.expect_size(width, base + sum(row_heights(DEVELOPMENT)))
         page = session.wait_for_layout()
@@ -133,8 +133,7 @@ class Runtime(EndToEnd):
         page = self.session.start()
         self.assertEqual(sections(page), [("General Tools", ["KORConfig", "Vantrel Grab Studio"]),
                                           ("Processing Tools", ["Vantrel Symbol Decoder"])])
-        self.expect_size(metrics["SM_CXVSCROLL"] + 2 * (metrics["SM_CYDLGFRAME"] + 320),
-                         self.base_height(metrics) + 45 + 2 * 20)
+        self.expect_size(width_of(metrics), self.base_height(metrics) + 45 + 2 * 20)
         self.end()
 
 

@@ -5,7 +5,7 @@ import unittest
 
 from clicks_test import FORGE30, opened, program
 from endtoend_test import EndToEnd, sections
-from session import DEVELOPMENT, LINKS, wait_for
+from session import DEVELOPMENT, LINKS, wait_for, width_of
 
 VERSIONS = r"HKEY_LOCAL_MACHINE\Software\Vantrel\Vantrel Flow Forge\Installed Versions"
 
@@ -28,8 +28,8 @@ class ManyVersions(EndToEnd):
         self.assertEqual(len(titles), 1000 + len(DEVELOPMENT))
 
         # 500 rows more: the window ends at the work area, which is the screen here.
-        self.expect_size(session.size()[0], screen[1])
-        width = session.size()[0]
+        width = width_of(session.metrics())
+        self.expect_size(width, screen[1])
         page = session.wait_for_page(lambda page: page["window"]["height"] < screen[1] < page["contentHeight"],
                                      "a page taller than its window")
         self.drag_border(0, -200)

@@ -12,6 +12,11 @@ from sandbox.places import BUILD, DEMO, ROOT  # noqa: E402, F401
 from sandbox.prefix import throw_away  # noqa: E402
 
 
+def width_of(metrics):
+    """Of the window that a page gives itself at 96 DPI."""
+    return metrics["SM_CXVSCROLL"] + 2 * (metrics["SM_CYDLGFRAME"] + 320)
+
+
 class Session(ControlCenter):
     def __init__(self, name, dpi, installation, screen="1600x1800"):
         with contextlib.ExitStack() as stack:
@@ -30,8 +35,7 @@ class Session(ControlCenter):
 
     def wait_for_layout(self):
         """The page in the window that it gives itself at 96 DPI. Before, the window has the template's width."""
-        metrics = self.metrics()
-        width = metrics["SM_CXVSCROLL"] + 2 * (metrics["SM_CYDLGFRAME"] + 320)
+        width = width_of(self.metrics())
         return self.wait_for_page(lambda page: page["window"]["width"] < width, "the page in its window")
 
     def refresh(self):

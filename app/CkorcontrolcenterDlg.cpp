@@ -95,5 +95,6 @@ HRESULT STDMETHODCALLTYPE CkorcontrolcenterDlg::TranslateAccelerator(LPMSG lpMsg
     if (lpMsg->message == WM_SYSKEYUP && lpMsg->wParam == VK_F4) {
         PostQuitMessage(0);
     }
+    // The page gets no other key: docs/quirks.md.
     return S_OK;
 }

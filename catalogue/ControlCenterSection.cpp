@@ -29,7 +29,7 @@ CKORString ControlCenterSection::ComposeSectionHtml() {
         }
     }
     if (shown == 0) {
-        // The count stays as it was: a section that just lost its last item keeps its height.
+        // The count stays as it was: docs/quirks.md.
         return CKORString();
     }
     ShownItemCount = shown;

@@ -59,6 +59,7 @@ inline PathBase PathBaseOf(PathBase base) {
     return base;
 }
 
+// The texts of a version of Flow Forge, which no question of the installation gives.
 template <typename Bases>
 PathBase PathBaseOf(CKORString Bases::*) {
     return nullptr;

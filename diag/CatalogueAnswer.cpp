@@ -12,7 +12,11 @@ void AppendReason(CKORString& reasons, const CKORString& reason) {
     reasons += reason;
 }
 
+// Of what is missing.
 CKORString WordsOf(const std::vector<Cause>& causes) {
+    if (causes.empty()) {
+        return L"it was not there when the page was composed, but is now";
+    }
     CKORString words;
     for (const Cause& cause : causes) {
         AppendReason(words, cause.Found);

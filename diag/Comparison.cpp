@@ -1,3 +1,4 @@
+// Walks through two documents at once; entries meet by their names.
 #include "diag/Comparison.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Reads the version resource of a system file.
 #include "diag/FileVersion.h"
 
 #include <vector>

@@ -1,3 +1,4 @@
+// Asks after each fault, and gathers what has the same cause.
 #include "diag/Findings.h"
 
 #include <windows.h>

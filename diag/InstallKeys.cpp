@@ -1,3 +1,4 @@
+// Lists the keys of the launcher's questions, each once.
 #include "diag/InstallKeys.h"
 
 #include <windows.h>

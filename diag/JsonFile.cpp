@@ -1,3 +1,4 @@
+// Reads a file whole and takes its bytes for UTF-8.
 #include "diag/JsonFile.h"
 
 #include <windows.h>

@@ -1,3 +1,4 @@
+// One function for each kind of value.
 #include "diag/JsonReader.h"
 
 #include <algorithm>

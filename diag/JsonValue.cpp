@@ -1,3 +1,4 @@
+// Finds members, and writes a value again.
 #include "diag/JsonValue.h"
 
 #include <algorithm>

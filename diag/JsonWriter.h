@@ -50,6 +50,9 @@ public:
     void Boolean(bool value) { Value(value ? L"true" : L"false"); }
     void Null() { Value(L"null"); }
 
+    // False when nobody reads on.
+    bool IsOpen() const { return m_output.IsOpen(); }
+
 private:
     void Separate();
     void Begin(const wchar_t* bracket);

@@ -1,3 +1,4 @@
+// Writes under another name beside the file, and renames.
 #include "diag/NewFile.h"
 
 #include <utility>

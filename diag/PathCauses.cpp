@@ -1,3 +1,4 @@
+// Looks at the pieces of a path, and at the value that it begins with.
 #include "diag/PathCauses.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Finds the names and the folders of the user, and puts words in their place.
 #include "diag/Redaction.h"
 
 #include <windows.h>

@@ -1,3 +1,4 @@
+// Asks after a value, its type, and the other view of the registry.
 #include "diag/RegistryCauses.h"
 
 #include <windows.h>

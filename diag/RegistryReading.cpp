@@ -32,6 +32,19 @@ void WriteMember(JsonWriter& json, CRegistryKey& key, const CKORString& name) {
     WriteData(json, key, name, type);
 }
 
+void WriteValue(Utf8Output& output, const CRegistryKey& /*key*/, const CKORString& /*name*/,
+                const CKORString& text) {
+    output.Write(text, L"\n");
+}
+
+void WriteValue(JsonWriter& json, CRegistryKey& key, const CKORString& name,
+                const CKORString& /*text*/) {
+    json.BeginObject();
+    json.Key(L"key").Text(key.GetFullName());
+    WriteMember(json, key, name);
+    json.EndObject();
+}
+
 // Values are read while the names are walked, so that nothing is collected, and the walk ends when
 // nobody reads on.
 bool List(Utf8Output& output, CRegistryKey& key) {
@@ -50,14 +63,13 @@ bool List(Utf8Output& output, CRegistryKey& key) {
     });
 }
 
-bool ListAsJson(Utf8Output& output, CRegistryKey& key) {
-    JsonWriter json(output);
+bool List(JsonWriter& json, CRegistryKey& key) {
     json.BeginObject();
     json.Key(L"key").Text(key.GetFullName());
     json.Key(L"subkeys").BeginArray();
     bool isComplete = key.VisitSubKeyNames([&](const wchar_t* name) {
         json.Text(std::wstring_view(name));
-        return output.IsOpen();
+        return json.IsOpen();
     });
     json.EndArray();
     json.Key(L"values").BeginArray();
@@ -65,11 +77,10 @@ bool ListAsJson(Utf8Output& output, CRegistryKey& key) {
         json.BeginObject();
         WriteMember(json, key, name);
         json.EndObject();
-        return output.IsOpen();
+        return json.IsOpen();
     }) && isComplete;
     json.EndArray();
     json.EndObject();
-    output.Write(L"\n");
     return isComplete;
 }
 
@@ -87,17 +98,7 @@ ExitCode RunRegistryGet(const Arguments& arguments, Streams& streams) {
         ComplainOfType(arguments, streams);
         return ExitCode::No;
     }
-    if (!arguments.Has(OptionJson)) {
-        streams.Out.Write(text, L"\n");
-        return ExitCode::Answered;
-    }
-    JsonWriter json(streams.Out);
-    json.BeginObject();
-    json.Key(L"key").Text(key.GetFullName());
-    WriteMember(json, key, name);
-    json.EndObject();
-    streams.Out.Write(L"\n");
-    return ExitCode::Answered;
+    return Answer(arguments, streams, [&](auto& output) { WriteValue(output, key, name, text); });
 }
 
 ExitCode RunRegistryList(const Arguments& arguments, Streams& streams) {
@@ -106,8 +107,8 @@ ExitCode RunRegistryList(const Arguments& arguments, Streams& streams) {
     if (!OpenKey(arguments, streams, key)) {
         return ExitCode::No;
     }
-    const bool isComplete =
-        arguments.Has(OptionJson) ? ListAsJson(streams.Out, key) : List(streams.Out, key);
+    bool isComplete = false;
+    Answer(arguments, streams, [&](auto& output) { isComplete = List(output, key); });
     if (!isComplete) {
         Complain(streams, L"the list is incomplete: the system ended it");
     }

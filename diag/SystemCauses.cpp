@@ -1,3 +1,4 @@
+// Asks the shell and COM what a click or the page would ask them.
 #include "diag/SystemCauses.h"
 
 #include <windows.h>
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "env/PathTests.h"
 #include "res/resource.h"
 
 namespace {
@@ -156,8 +158,7 @@ std::optional<Cause> CauseOfNoPage() {
     wchar_t path[MAX_PATH] = L"";
     const DWORD length = GetModuleFileNameW(nullptr, path, MAX_PATH);
     if (length == 0 || length >= MAX_PATH || PathRemoveFileSpecW(path) == FALSE ||
-        PathAppendW(path, LauncherName) == FALSE || PathFileExistsW(path) == FALSE ||
-        HoldsPage(path)) {
+        PathAppendW(path, LauncherName) == FALSE || !kor::PathExists(path) || HoldsPage(path)) {
         return std::nullopt;
     }
     return Cause{Code::PageNotLoadable,

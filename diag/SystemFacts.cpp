@@ -1,3 +1,4 @@
+// One function for each fact; what cannot be found out says why.
 #include "diag/SystemFacts.h"
 
 #include <windows.h>

@@ -49,7 +49,7 @@ bool DeleteTree(const wchar_t* path, bool clearAttributes) {
     wchar_t pattern[PathSize];
     wchar_t prefix[PathSize];
     FileFinder finder;
-    // The first entry is passed over without a look: it is the "." entry.
+    // The first entry is passed over without a look: docs/quirks.md.
     if (!JoinTexts(prefix, path, L"\\") || !JoinTexts(pattern, path, L"\\*") ||
         !finder.FindFirst(pattern)) {
         return false;

@@ -121,6 +121,8 @@ bool CDHtmlDialog::IsReloaded() const {
 }
 
 // Engines write a path in their own way (escapes, slashes): what they cannot change is compared.
+// Another module's page of the same number would pass, but no link or drop leads to a page once
+// ours is there.
 bool CDHtmlDialog::IsOwnPage() const {
     constexpr wchar_t Scheme[] = L"res:";
     constexpr std::size_t SchemeLength = 4;

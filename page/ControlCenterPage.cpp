@@ -9,7 +9,8 @@ namespace {
 
 constexpr wchar_t GridOpening[] = L"<table class=\"innertable\" width=\"100%\">\n";
 constexpr wchar_t RowOpening[] = L"<tr>\n\n";
-// Formatted with the column's width in percent; the rest is appended as it stands.
+// Formatted with the column's width in percent; the rest is appended as it stands. The blank behind
+// "class": docs/quirks.md.
 constexpr wchar_t CellOpeningWidth[] = L"<td class =\"column\" width=\"%d";
 constexpr wchar_t CellOpeningRest[] = L"%\" valign=\"top\">";
 constexpr wchar_t CellClosing[] = L"</td>";

@@ -56,6 +56,7 @@ std::optional<ShellCall> CallOfItem(const CKORString& path, const CKORString& ar
     case ItemElevatedProgram:
         return CallOfProgram(path, arguments, true);
     case ItemHelpTopic:
+        // By its bare name: docs/quirks.md.
         return ShellCall{false, nullptr, L"hh.exe", path + arguments};
     default:
         return std::nullopt;

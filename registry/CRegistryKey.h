@@ -204,7 +204,7 @@ public:
 
     // Empties the current user's volatile data; true when there is no runtime key to look in. For a
     // fresh object, which is closed afterwards.
-    bool ClearCurrentUserVolatile();
+    [[nodiscard]] bool ClearCurrentUserVolatile();
 
     // --- Volatile data: whatever lies in the key "volatile" directly below a symbolic root. ---
 
@@ -216,7 +216,7 @@ public:
     [[nodiscard]] bool LockVolatile();
     // On the thread that locked, while the object has a key open; whatever key that is. An object
     // that is destroyed before releases the mutex.
-    bool UnlockVolatile();
+    [[nodiscard]] bool UnlockVolatile();
 
 private:
     // Whether an opening that creates or reaches a volatile location may go on.

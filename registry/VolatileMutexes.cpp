@@ -8,7 +8,7 @@ struct MutexName {
     const wchar_t* Name;
 };
 
-// Local names on purpose: they serialise the programs of one session.
+// Without a namespace: docs/quirks.md.
 constexpr MutexName MutexNames[] = {
     {1, L"KOR_LOCAL_MACHINE_RUNTIME_VOLATILE_MUTEX"},
     {2, L"KOR_CURRENT_USER_RUNTIME_VOLATILE_MUTEX"},

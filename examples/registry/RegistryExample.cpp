@@ -41,7 +41,7 @@ bool ShowSubKeys() {
 bool CountThisRun(std::uint32_t& runs) {
     CRegistryKey key(L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\volatile\\Example", true);
     if (!key.LockVolatile()) {
-        key.UnlockVolatile(); // an abandoned mutex is held after a failed lock
+        static_cast<void>(key.UnlockVolatile()); // an abandoned mutex is held after a failed lock
         return false;
     }
     runs = 0;

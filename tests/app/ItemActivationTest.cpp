@@ -218,7 +218,7 @@ TEST_F(ItemActivation, TheIdNamesTheItem) {
 TEST_F(ItemActivation, ABlankInTheKeyIsNeverMatched) {
     Fill({{L"A B", 1}});
     EXPECT_STREQ((*m_dialog.Sections[0])[0]->Id.Text(), L"A-B_0");
-    EXPECT_EQ(Click(L"A-B_0"), L"") << "the id has '-' where the key has a blank: intended";
+    EXPECT_EQ(Click(L"A-B_0"), L"") << "the id has '-' where the key has a blank";
 }
 
 TEST_F(ItemActivation, APlaceWithoutAnItemIsPassedOver) {

@@ -32,7 +32,7 @@ protected:
 
 TEST_F(ShellCalls, OpenFoldersDocumentsAndTopics) {
     const OpenCase cases[] = {
-        {ItemFolder, L"C:\\x.chm", nullptr}, // the arguments are not passed: intended
+        {ItemFolder, L"C:\\x.chm", nullptr}, // the arguments are not passed
         {ItemDocument, L"C:\\x.chm", nullptr},
         {ItemHelpTopic, L"hh.exe", L"C:\\x.chm::/t"},
     };

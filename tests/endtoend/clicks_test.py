@@ -67,7 +67,7 @@ class Links(EndToEnd):
                 session.point_at(item)
                 session.wait_for_page(lambda page: self.look(item, page) == (RED, "hand"), f"{item} under the pointer")
                 if before is not None:
-                    # Blue again; the cursor stays set, intended.
+                    # Blue again; the cursor stays set.
                     self.assertEqual(self.look(before), (BLUE, "hand"))
                 lines = len(session.log())
                 session.xdotool("click", 1)

@@ -84,7 +84,7 @@ class OddNames(EndToEnd):
 
         ids = {name: "FLOWFORGE-" + name.replace(" ", "-") + "_0" for name in (self.LONG, self.ODD, self.QUOTED)}
         guide = opened(FORGE30 + "Documentation/FlowForgeHelp.chm")
-        # An id has '-' for each blank and is then no version's key any more: the link is dead, intended.
+        # An id has '-' for each blank and is then no version's key any more: the link is dead.
         session.click(ids[self.ODD])
         wait_for(lambda: self.box(ids[self.ODD])["color"] == "#ff0000", "the link under the pointer")
         for name in (self.LONG, self.QUOTED):

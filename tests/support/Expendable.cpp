@@ -1,3 +1,4 @@
+// Looks for the variable that only the tests' own prefixes have.
 #include "tests/support/Expendable.h"
 
 #include <lmcons.h>

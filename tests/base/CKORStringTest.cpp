@@ -266,7 +266,7 @@ TEST(CKORString, FormattingReplacesTheTextAndKeepsTheStorageThatSuffices) {
 }
 
 TEST(CKORString, AFormatErrorLeavesACountOfZero) {
-    HOOK_IMPORT(count, _vscwprintf, [](const wchar_t*, va_list) { return -1; });
+    HOOK_IMPORT(count, _vscwprintf, [](auto...) { return -1; });
     // A buffer of no places would end the process there.
     const test::ImportHook<struct WriteTag,
                            int(WINAPI*)(wchar_t*, std::size_t, const wchar_t*, va_list)>

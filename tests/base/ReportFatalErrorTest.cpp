@@ -127,12 +127,11 @@ TEST(FatalReport, AMessageThatCouldNotBeSentCountsAsAnsweredWithOk) {
 
 TEST(FatalReport, WithoutTheTerminalServicesAMessageCountsAsAnsweredWithOk) {
     AsService([] {
-        HOOK_IMPORT(load, LoadLibraryExW,
-                    [](LPCWSTR, HANDLE, DWORD) -> HMODULE { return nullptr; });
+        HOOK_IMPORT(load, LoadLibraryExW, [](auto...) -> HMODULE { return nullptr; });
         EXPECT_EQ(ReportFatalError(L"m", L"c", 0), IDOK);
     });
     AsService([] {
-        HOOK_IMPORT(find, GetProcAddress, [](HMODULE, LPCSTR) -> FARPROC { return nullptr; });
+        HOOK_IMPORT(find, GetProcAddress, [](auto...) -> FARPROC { return nullptr; });
         EXPECT_EQ(ReportFatalError(L"m", L"c", 0), IDOK);
     });
 }

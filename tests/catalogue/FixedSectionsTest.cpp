@@ -204,7 +204,7 @@ TEST_F(ActiveKorSection, NeedsTheControlFile) {
 }
 
 TEST_F(RtosSection, NeedsTheKeyOnly) {
-    m_files.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
+    m_files.MakeKey(test::LibraryKey + L"\\RTX");
     BuildRtosSection(m_sections, m_installation);
     ExpectOneSection(m_sections, L"RT", L"KOR for RTOS", L"C:\\KorTest\\",
                      {{L"KORConfig for RTOS", L"Tools/KorConfig.exe", Program, L"-rtxmode"},
@@ -212,7 +212,7 @@ TEST_F(RtosSection, NeedsTheKeyOnly) {
 }
 
 TEST_F(RtosSection, WithoutAnExamplesRootTheTargetIsRelative) {
-    m_files.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
+    m_files.MakeKey(test::LibraryKey + L"\\RTX");
     m_installation.KorExamplesRoot = L"";
     BuildRtosSection(m_sections, m_installation);
     EXPECT_STREQ((*m_sections[0])[1]->Path.Text(), L"KORRTOS");

@@ -18,8 +18,8 @@ using test::ExpectOneSection;
 using test::ExpectSection;
 using test::Folder;
 
-const std::wstring Versions64 = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
-const std::wstring Versions32 = L"Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
+const std::wstring Versions64 = test::VersionsKey + L"\\";
+const std::wstring Versions32 = L"Wow6432Node\\" + Versions64;
 
 // What an installed version may have besides its registry key and the value there.
 enum Has : unsigned { Nothing = 0, Product = 1, Tools = 2, Manager = 4, KeyOnly = 8 };
@@ -80,8 +80,7 @@ std::vector<std::wstring> Sorted(std::vector<std::wstring> texts) {
 // The pass over the names in this order, whatever the registry's own is.
 void BuildListed(const std::vector<std::wstring>& names, Catalogue& sections) {
     HOOK_IMPORT(enumerate, RegEnumKeyExW,
-                [&](HKEY, DWORD index, LPWSTR name, LPDWORD length, LPDWORD, LPWSTR, LPDWORD,
-                    PFILETIME) -> LSTATUS {
+                [&](HKEY, DWORD index, LPWSTR name, LPDWORD length, auto...) -> LSTATUS {
                     if (index >= names.size()) {
                         return ERROR_NO_MORE_ITEMS;
                     }
@@ -332,14 +331,13 @@ TEST_F(FlowForgeVersions, AManagersFolderThatIsNoTextIsTheRoot) {
 // A listed subkey that cannot be opened: the walk loses its place, and nothing that comes after it
 // is found any more.
 void BuildWhileRefused(const std::wstring& refused, Catalogue& sections) {
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                    const std::wstring name = subKey;
-                    const std::size_t at = name.rfind(L'\\');
-                    return at != std::wstring::npos && name.substr(at + 1) == refused
-                               ? LSTATUS{ERROR_ACCESS_DENIED}
-                               : open.Original(root, subKey, options, access, result);
-                });
+    HOOK_IMPORT(open, RegOpenKeyExW, [&](HKEY root, LPCWSTR subKey, auto... rest) {
+        const std::wstring name = subKey;
+        const std::size_t at = name.rfind(L'\\');
+        return at != std::wstring::npos && name.substr(at + 1) == refused
+                   ? LSTATUS{ERROR_ACCESS_DENIED}
+                   : open.Original(root, subKey, rest...);
+    });
     BuildFlowForgeVersionsSection(sections, false);
 }
 

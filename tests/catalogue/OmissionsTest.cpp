@@ -69,15 +69,13 @@ TEST(Omissions, OfAnEmptyInstallation) {
 
 TEST(Omissions, OfItemsWithAConditionAndOfVersions) {
     const test::TestInstallation installed;
-    installed.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
+    installed.MakeKey(test::LibraryKey + L"\\RTX");
     installed.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
     installed.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
-    installed.MakeKey(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\1.0");
-    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\2.0", L"InstallationPath",
-                      L"C:\\KorTest\\Gone");
-    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0", L"InstallationPath",
-                      L"C:\\KorTest\\FF");
-    installed.MakeKey(L"Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions");
+    installed.MakeKey(test::VersionsKey + L"\\1.0");
+    installed.SetText(test::VersionsKey + L"\\2.0", L"InstallationPath", L"C:\\KorTest\\Gone");
+    installed.SetText(test::VersionsKey + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF");
+    installed.MakeKey(L"Wow6432Node\\" + test::VersionsKey);
     Installation installation;
     installation.InstallDir = L"C:\\KorTest\\";
     installation.KorExamplesRoot = L"C:\\KorTest\\Ex";
@@ -100,8 +98,7 @@ TEST(Omissions, OfItemsWithAConditionAndOfVersions) {
 
 TEST(PathBases, SayWhatEachItemsPathBeginsWith) {
     const test::TestInstallation installed;
-    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0", L"InstallationPath",
-                      L"C:\\KorTest\\FF");
+    installed.SetText(test::VersionsKey + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF");
     installed.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
     installed.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
     Installation installation;

@@ -90,7 +90,7 @@ TEST_F(SystemFiles, AFileThatIsNotThereOrSaysNothingHasNoVersion) {
 }
 
 TEST_F(SystemFiles, WithoutTheLibraryForVersionsThereIsNone) {
-    HOOK_IMPORT(load, LoadLibraryExW, [](LPCWSTR, HANDLE, DWORD) -> HMODULE {
+    HOOK_IMPORT(load, LoadLibraryExW, [](auto...) -> HMODULE {
         SetLastError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     });
@@ -102,7 +102,7 @@ TEST_F(SystemFiles, WithoutTheSystemsFolderNoFileOfAnotherOneIsAsked) {
     MakeLibrary(L"a.dll", Resource(Fixed()));
     ASSERT_TRUE(SetCurrentDirectoryW(Folder));
     for (const UINT length : {0U, 260U, 5000U}) {
-        HOOK_IMPORT(folder, GetSystemDirectoryW, [&](LPWSTR, UINT) { return length; });
+        HOOK_IMPORT(folder, GetSystemDirectoryW, [&](auto...) { return length; });
         const FileVersion version = VersionOfSystemFile(L"a.dll");
         EXPECT_EQ(version.Text, L"");
         EXPECT_EQ(version.Error, static_cast<DWORD>(ERROR_PATH_NOT_FOUND));

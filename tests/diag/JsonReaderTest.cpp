@@ -254,7 +254,7 @@ TEST_F(JsonFiles, ThatCannotBeReadAreToldOf) {
     EXPECT_EQ(ReadFileOf(L"C:\\KorTest\\json\\none"), "cannot be opened (error 2)");
     EXPECT_EQ(ReadFileOf(L"C:\\KorTest\\json"), "cannot be opened (error 5)");
     HANDLE asked = nullptr;
-    HOOK_IMPORT(read, ReadFile, [&](HANDLE file, LPVOID, DWORD, LPDWORD, LPOVERLAPPED) -> BOOL {
+    HOOK_IMPORT(read, ReadFile, [&](HANDLE file, auto...) -> BOOL {
         asked = file;
         SetLastError(ERROR_CRC);
         return FALSE;
@@ -266,11 +266,9 @@ TEST_F(JsonFiles, ThatCannotBeReadAreToldOf) {
 
 // A pipe gives what it has, piece by piece.
 TEST_F(JsonFiles, ThatComeInPiecesAreReadToTheirEnd) {
-    HOOK_IMPORT(
-        read, ReadFile,
-        [&](HANDLE file, LPVOID data, DWORD, LPDWORD count, LPOVERLAPPED overlapped) -> BOOL {
-            return read.Original(file, data, 1, count, overlapped);
-        });
+    HOOK_IMPORT(read, ReadFile, [&](HANDLE file, LPVOID data, DWORD, auto... rest) -> BOOL {
+        return read.Original(file, data, 1, rest...);
+    });
     JsonValue document;
     std::wstring error;
     std::ofstream("C:\\KorTest\\json\\f") << "[1,\"ab\"]";

@@ -224,7 +224,7 @@ TEST(SystemFacts, ElevationIsThatOfTheToken) {
     EXPECT_EQ(InText("elevated"), "unknown (error 87)");
     EXPECT_FALSE(GetHandleInformation(asked, &flags)) << "it is closed";
     EXPECT_TRUE(HasMember("elevated", "null"));
-    HOOK_IMPORT(open, OpenProcessToken, [](HANDLE, DWORD, PHANDLE) -> BOOL {
+    HOOK_IMPORT(open, OpenProcessToken, [](auto...) -> BOOL {
         SetLastError(ERROR_ACCESS_DENIED);
         return FALSE;
     });
@@ -266,7 +266,7 @@ TEST(SystemFacts, ARemoteSessionSaysSoOrIsNotTheConsoles) {
 TEST(SystemFacts, ASessionThatIsNotKnownIsNotCalledLocal) {
     Values values;
     values.Set(TerminalServer, L"GlassSessionId", DWORD{1});
-    HOOK_IMPORT(session, ProcessIdToSessionId, [](DWORD, DWORD*) -> BOOL {
+    HOOK_IMPORT(session, ProcessIdToSessionId, [](auto...) -> BOOL {
         SetLastError(ERROR_ACCESS_DENIED);
         return FALSE;
     });
@@ -342,7 +342,7 @@ TEST(SystemFacts, TheScreenAndItsAidsAreAskedOfTheSystem) {
 }
 
 TEST(SystemFacts, WithoutTheLibraryForVersionsThereAreNone) {
-    HOOK_IMPORT(load, LoadLibraryExW, [](LPCWSTR, HANDLE, DWORD) -> HMODULE {
+    HOOK_IMPORT(load, LoadLibraryExW, [](auto...) -> HMODULE {
         SetLastError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     });

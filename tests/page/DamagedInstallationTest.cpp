@@ -9,9 +9,7 @@
 
 namespace {
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
-const std::wstring Versions = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
+const std::wstring Versions = test::VersionsKey + L"\\";
 
 std::wstring ComposedPage(ControlCenterPage& page) {
     page.QueryInstallation();
@@ -32,10 +30,10 @@ void ExpectClosedGrid(const std::wstring& html) {
 TEST(DamagedInstallation, ValuesOfWrongTypes) {
     const test::TestInstallation installed;
     const BYTE bytes[] = {1, 2, 3, 4, 5};
-    installed.SetText(Library, L"KorVersion", L"1");
-    installed.SetBytes(Library, L"KORType", REG_BINARY, bytes, 5);
-    installed.SetBytes(Install, L"installdir", REG_QWORD, bytes, 5);
-    installed.SetBytes(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", 0x99, bytes, 5);
+    installed.SetText(test::LibraryKey, L"KorVersion", L"1");
+    installed.SetBytes(test::LibraryKey, L"KORType", REG_BINARY, bytes, 5);
+    installed.SetBytes(test::InstallKey, L"installdir", REG_QWORD, bytes, 5);
+    installed.SetBytes(test::InstallKey + L"\\KOR", L"ExamplesRootPath", 0x99, bytes, 5);
     installed.SetBytes(Versions + L"3.0", L"InstallationPath", REG_SZ, bytes, 5);
     installed.SetBytes(Versions + L"3.1", L"InstallationPath", REG_MULTI_SZ, bytes, 3);
     ControlCenterPage page;
@@ -46,8 +44,8 @@ TEST(DamagedInstallation, ValuesOfWrongTypes) {
 
 TEST(DamagedInstallation, AFolderInAFilesPlaceIsStillAnExistingTarget) {
     const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
-    installed.SetText(Install, L"installdir", L"C:\\KorTest\\");
+    installed.SetText(test::LibraryKey, L"KorVersion", L"1");
+    installed.SetText(test::InstallKey, L"installdir", L"C:\\KorTest\\");
     installed.MakeFolder(L"C:\\KorTest\\Tools\\KorConfig.exe");
     ControlCenterPage page;
     EXPECT_TRUE(Contains(ComposedPage(page), L">KORConfig</SPAN>"));
@@ -55,10 +53,8 @@ TEST(DamagedInstallation, AFolderInAFilesPlaceIsStillAnExistingTarget) {
 
 TEST(DamagedInstallation, AnInstallFolderOf3000Characters) {
     const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
-    installed.SetText(Library, L"KORType", L"Development");
     const std::wstring folder = L"C:\\" + std::wstring(2996, L'f') + L"\\";
-    installed.SetText(Install, L"installdir", folder);
+    installed.MakeDevelopment(folder);
     ControlCenterPage page;
     const std::wstring html = ComposedPage(page);
     ExpectClosedGrid(html);
@@ -68,7 +64,7 @@ TEST(DamagedInstallation, AnInstallFolderOf3000Characters) {
 
 TEST(DamagedInstallation, NamesWithQuotesBracketsAndOtherLetters) {
     const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
+    installed.SetText(test::LibraryKey, L"KorVersion", L"1");
     const std::wstring name = L"3.0 \"<b>&'\x00e9\x4e2d\xd83d\xde00 x";
     installed.SetText(Versions + name, L"InstallationPath", L"C:\\KorTest");
     installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
@@ -82,7 +78,7 @@ TEST(DamagedInstallation, NamesWithQuotesBracketsAndOtherLetters) {
 
 TEST(DamagedInstallation, AVersionNameOf255Characters) {
     const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
+    installed.SetText(test::LibraryKey, L"KorVersion", L"1");
     const std::wstring name(255, L'9');
     installed.SetText(Versions + name, L"InstallationPath", L"C:\\KorTest");
     installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");

@@ -67,6 +67,7 @@ private:
 } // namespace test
 
 // HOOK_IMPORT(hook, RegCloseKey, [&](HKEY key) -> LSTATUS { ... hook.Original(key) ... });
+// Arguments that do not matter need no names: [&](HKEY key, auto... rest), [](auto...).
 #define HOOK_IMPORT(variable, function, ...)                                                       \
     test::ImportHook<struct function##_HookTag, decltype(&function)> variable(#function,           \
                                                                               __VA_ARGS__)

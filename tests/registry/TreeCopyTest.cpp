@@ -140,9 +140,7 @@ TEST_F(TreeCopy, AnEnumerationThatFailsIsAFailureOfTheCopy) {
     CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
     {
         HOOK_IMPORT(enumValue, RegEnumValueW,
-                    [](HKEY, DWORD, LPWSTR, LPDWORD, LPDWORD, LPDWORD, LPBYTE, LPDWORD) -> LSTATUS {
-                        return ERROR_ACCESS_DENIED;
-                    });
+                    [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
         EXPECT_FALSE(source.CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
         EXPECT_FALSE(
             source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
@@ -156,13 +154,10 @@ TEST_F(TreeCopy, AListOfValuesThatBreaksOffCopiesNone) {
     Set(L"s", L"n");
     CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
     {
-        HOOK_IMPORT(enumValue, RegEnumValueW,
-                    [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
-                        LPDWORD type, LPBYTE data, LPDWORD size) {
-                        return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
-                                          : enumValue.Original(key, index, name, length, reserved,
-                                                               type, data, size);
-                    });
+        HOOK_IMPORT(enumValue, RegEnumValueW, [&](HKEY key, DWORD index, auto... rest) {
+            return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
+                              : enumValue.Original(key, index, rest...);
+        });
         EXPECT_FALSE(source.CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
     }
     EXPECT_EQ(Below(), (Tree{L"copy", L"s", L"s:m", L"s:n"}));
@@ -175,13 +170,10 @@ TEST_F(TreeCopy, AListOfSubKeysThatBreaksOffIsCopiedAsFarAsItGoes) {
     CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
     ASSERT_TRUE(source.EnumSubKeyNames(m_names));
     {
-        HOOK_IMPORT(enumKey, RegEnumKeyExW,
-                    [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
-                        LPWSTR keyClass, LPDWORD classLength, PFILETIME time) {
-                        return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
-                                          : enumKey.Original(key, index, name, length, reserved,
-                                                             keyClass, classLength, time);
-                    });
+        HOOK_IMPORT(enumKey, RegEnumKeyExW, [&](HKEY key, DWORD index, auto... rest) {
+            return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
+                              : enumKey.Original(key, index, rest...);
+        });
         EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
     }
     const std::wstring first = m_names[0].Text();
@@ -257,12 +249,11 @@ TEST_F(TreeCopy, CopyTreeGoesOnAfterASubKeyThatCannotBeEntered) {
     Set(L"s\\c", L"v");
     CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
     {
-        HOOK_IMPORT(open, RegOpenKeyExW,
-                    [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                        return std::wstring(subKey) == L"Software\\KORTests\\s\\b"
-                                   ? LSTATUS{ERROR_ACCESS_DENIED}
-                                   : open.Original(root, subKey, options, access, result);
-                    });
+        HOOK_IMPORT(open, RegOpenKeyExW, [&](HKEY root, LPCWSTR subKey, auto... rest) {
+            return std::wstring(subKey) == L"Software\\KORTests\\s\\b"
+                       ? LSTATUS{ERROR_ACCESS_DENIED}
+                       : open.Original(root, subKey, rest...);
+        });
         EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
     }
     EXPECT_TRUE(source.IsOpen());
@@ -278,15 +269,11 @@ TEST_F(TreeCopy, CopyTreeGoesOnAfterAKeyWhoseCopyCannotBeMade) {
     Set(L"s\\c", L"v");
     CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
     {
-        HOOK_IMPORT(create, RegCreateKeyExW,
-                    [&](HKEY root, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options,
-                        REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY result,
-                        LPDWORD disposition) {
-                        return std::wstring(subKey) == L"Software\\KORTests\\copy\\b"
-                                   ? LSTATUS{ERROR_ACCESS_DENIED}
-                                   : create.Original(root, subKey, reserved, keyClass, options,
-                                                     access, security, result, disposition);
-                    });
+        HOOK_IMPORT(create, RegCreateKeyExW, [&](HKEY root, LPCWSTR subKey, auto... rest) {
+            return std::wstring(subKey) == L"Software\\KORTests\\copy\\b"
+                       ? LSTATUS{ERROR_ACCESS_DENIED}
+                       : create.Original(root, subKey, rest...);
+        });
         EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
     }
     EXPECT_EQ(source.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\s");

@@ -13,16 +13,11 @@ using test::TestSubKey;
 
 using Lines = std::vector<std::string>;
 
-class ValueReads : public test::RegistryTest {
+class ValueReads : public test::MachineKeyTest {
 protected:
     void SetUp() override {
-        RegistryTest::SetUp();
-        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey);
+        MachineKeyTest::SetUp();
         ASSERT_TRUE(m_key.Open(MachineKey, false));
-    }
-
-    static void Set(const std::wstring& name, const test::RawValue& value) {
-        test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, value);
     }
 
     CRegistryKey m_key;

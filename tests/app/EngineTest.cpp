@@ -219,7 +219,7 @@ TEST_F(Engine, ASinkThatIsNoLongerConnectedAnswersNothing) {
                   S_OK);
         VARIANT url = Text(L"");
         EXPECT_EQ(
-            test::FireAt(browserSink, DISPID_DOCUMENTCOMPLETE, {url, m_page.Browser.Dispatch()}),
+            test::FireAt(browserSink, DISPID_DOCUMENTCOMPLETE, {url, VariantOf(m_page.Browser)}),
             S_OK);
         VariantClear(&url);
         VARIANT_BOOL cancelled = VARIANT_FALSE;

@@ -90,7 +90,7 @@ TEST_F(Host, FramesWithinThePageDoNotCount) {
     test::FakeDocument frame;
     Run([&] { m_page.Complete(frame); },
         [&] {
-            m_page.Browser.Fire(252, {{}, m_page.Browser.Dispatch()});
+            m_page.Browser.Fire(252, {{}, VariantOf(m_page.Browser)});
             m_page.Browser.Fire(259, {});
         });
     EXPECT_TRUE(m_page.Sections.InnerHtml.empty());
@@ -179,7 +179,7 @@ TEST_F(Host, AMissingTextForThePageIsAnError) {
         [&] {
             // Complete itself allocates a text, so the event is fired without one.
             fail([&] {
-                EXPECT_EQ(m_page.Browser.Fire(259, {{}, m_page.Browser.Dispatch()}),
+                EXPECT_EQ(m_page.Browser.Fire(259, {{}, VariantOf(m_page.Browser)}),
                           static_cast<HRESULT>(0x8007000E));
             });
         },

@@ -16,7 +16,7 @@ struct Note {
     std::wstring Reason;
     Looked Where;
     std::wstring Path;
-    PathBase Base;
+    PathBase Base = nullptr;
 };
 
 void ExpectNotes(const Catalogue& sections, const std::vector<Note>& expected) {
@@ -47,20 +47,20 @@ TEST(Omissions, OfAnEmptyInstallation) {
     catalogue.Build(Installation(), false);
     const std::vector<Note> expected = {
         {L"Quick Start", L"", L"this is not a development installation", Looked::AtInstallationType,
-         L"", nullptr},
+         L""},
         {L"Folders", L"", L"this is not a development installation", Looked::AtInstallationType,
-         L"", nullptr},
+         L""},
         {L"General Tools", L"Tutorials directory", L"the folder is missing or empty",
          Looked::AtFolder, L"Tutorial videos", &Installation::InstallDir},
         {L"Flow Forge versions", L"", NoKey, Looked::AtRegistryKey,
-         FlowForgeKey + L"Installed Versions", nullptr},
+         FlowForgeKey + L"Installed Versions"},
         {L"Flow Forge versions (32-bit)", L"", NoKey, Looked::AtRegistryKey,
-         FlowForgeKey32 + L"Installed Versions", nullptr},
+         FlowForgeKey32 + L"Installed Versions"},
         {L"ActiveKOR", L"", L"the control file does not exist", Looked::AtFile,
          L"ActiveKOR/Controls/kor.ocx", &Installation::InstallDir},
         {L"Flow Forge", L"", L"the program does not exist", Looked::AtFile, L"",
          &Installation::FlowForgeInstallDir},
-        {L"KOR for RTOS", L"", NoKey, Looked::AtRegistryKey, RtxKey, nullptr},
+        {L"KOR for RTOS", L"", NoKey, Looked::AtRegistryKey, RtxKey},
     };
     ExpectNotes(catalogue, expected);
     catalogue.Build(Installation(), false);
@@ -89,9 +89,9 @@ TEST(Omissions, OfItemsWithAConditionAndOfVersions) {
                  {L"General Tools", L"Tutorials directory", L"the folder is missing or empty",
                   Looked::AtFolder, L"C:\\KorTest\\Tutorial videos", &Installation::InstallDir},
                  {L"Flow Forge 1.0", L"", L"the version's key has no value \"InstallationPath\"",
-                  Looked::AtRegistryKey, FlowForgeKey + L"Installed Versions\\1.0", nullptr},
+                  Looked::AtRegistryKey, FlowForgeKey + L"Installed Versions\\1.0"},
                  {L"Flow Forge 2.0", L"", L"neither FlowForge.exe nor a Tools folder exists",
-                  Looked::AtFile, L"C:\\KorTest\\Gone\\FlowForge.exe", nullptr},
+                  Looked::AtFile, L"C:\\KorTest\\Gone\\FlowForge.exe"},
                  {L"ActiveKOR", L"Sample Gallery", NoExamples, Looked::AtFolder, L"",
                   &Installation::ActiveKorExamplesRoot}});
 }

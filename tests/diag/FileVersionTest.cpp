@@ -90,10 +90,7 @@ TEST_F(SystemFiles, AFileThatIsNotThereOrSaysNothingHasNoVersion) {
 }
 
 TEST_F(SystemFiles, WithoutTheLibraryForVersionsThereIsNone) {
-    HOOK_IMPORT(load, LoadLibraryExW, [](auto...) -> HMODULE {
-        SetLastError(ERROR_MOD_NOT_FOUND);
-        return nullptr;
-    });
+    HOOK_IMPORT(load, LoadLibraryExW, test::FailsWith<HMODULE>(ERROR_MOD_NOT_FOUND));
     EXPECT_EQ(VersionOf(L"a.dll").Error, static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
 }
 

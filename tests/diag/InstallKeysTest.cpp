@@ -79,7 +79,7 @@ TEST(InstallKeys, TimesAreInUtcAndIso8601) {
 
 TEST(InstallKeys, AKeyThatMayNotBeReadExistsAllTheSame) {
     const test::TestInstallation installation;
-    HOOK_IMPORT(open, RegOpenKeyExW, [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+    HOOK_IMPORT(open, RegOpenKeyExW, test::Refused);
     EXPECT_NE(KeysInText().find("install\n  last written: unknown (error 5)\n"), std::string::npos);
     EXPECT_NE(test::JsonOf(WriteInstallKeys)
                   .find(std::string(InstallInJson) + R"("exists":true,"written":null})"),
@@ -99,8 +99,7 @@ TEST(InstallKeys, AKeyIsClosedWhateverItSays) {
         --open;
         return closing.Original(key);
     });
-    HOOK_IMPORT(information, RegQueryInfoKeyW,
-                [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+    HOOK_IMPORT(information, RegQueryInfoKeyW, test::Refused);
     EXPECT_NE(KeysInText().find("install\n  last written: unknown (error 5)\n"), std::string::npos);
     EXPECT_EQ(open, 0);
 }

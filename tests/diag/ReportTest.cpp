@@ -236,10 +236,7 @@ TEST_F(NewFiles, AFullDiskLeavesNoFile) {
     EXPECT_EQ(Read(), "") << "what was there stays";
     EXPECT_EQ(Count(), 1);
     {
-        HOOK_IMPORT(flush, FlushFileBuffers, [](HANDLE) -> BOOL {
-            SetLastError(ERROR_DISK_FULL);
-            return FALSE;
-        });
+        HOOK_IMPORT(flush, FlushFileBuffers, test::FailsWith<BOOL>(ERROR_DISK_FULL));
         EXPECT_EQ(Report({L"--force"}, errors), ExitCode::No);
     }
     EXPECT_EQ(errors, "kordiag report: C:\\KorTest\\out\\f cannot be written (error 112)\n");

@@ -102,10 +102,7 @@ TEST(Utf8Output, FallsSilentWhenTheReaderIsGone) {
 TEST(Utf8Output, KeepsOtherFailures) {
     for (const DWORD error : {DWORD{ERROR_DISK_FULL}, DWORD{ERROR_SUCCESS}}) {
         const test::Captured captured;
-        HOOK_IMPORT(write, WriteFile, [&](auto...) {
-            SetLastError(error);
-            return FALSE;
-        });
+        HOOK_IMPORT(write, WriteFile, test::FailsWith<BOOL>(error));
         Utf8Output output(captured.Handle());
         output.Write(L"x");
         output.Flush();

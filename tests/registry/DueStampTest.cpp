@@ -146,7 +146,7 @@ TEST_F(DueStamp, AFailedWriteLeavesItDue) {
     CRegistryKey key;
     ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile", true));
     {
-        HOOK_IMPORT(set, RegSetValueExW, [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+        HOOK_IMPORT(set, RegSetValueExW, test::Refused);
         EXPECT_FALSE(key.WriteDword(L"failed", 1U));
     }
     EXPECT_TRUE(key.WriteString(L"written", L"x"));

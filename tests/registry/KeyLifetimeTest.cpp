@@ -328,7 +328,7 @@ TEST_F(KeyLifetime, AKeyThatMayOnlyBeReadStaysReadable) {
 TEST_F(KeyLifetime, AKeyThatCannotBeReopenedAtAllIsReset) {
     test::BalancedCalls calls;
     CRegistryKey key(UserKey);
-    HOOK_IMPORT(open, RegOpenKeyExW, [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+    HOOK_IMPORT(open, RegOpenKeyExW, test::Refused);
     EXPECT_FALSE(key.ReopenForWrite(true));
     EXPECT_TRUE(test::IsReset(key));
 }

@@ -233,17 +233,20 @@ TEST_F(PathResolution, TheLayoutOfTheObjectTellsItsVolatileLocations) {
     }
 }
 
+void ExpectAnOpenKeyIsReset(const wchar_t* refusedPath) {
+    CRegistryKey key(L"HKEY_LOCAL_MACHINE\\Software");
+    ASSERT_TRUE(key.IsOpen());
+    test::RegistryCalls calls;
+    EXPECT_FALSE(key.Open(refusedPath, true));
+    EXPECT_EQ(calls.Calls(), Lines{"RegCloseKey(?)"});
+    EXPECT_TRUE(test::IsReset(key));
+}
+
 TEST_F(PathResolution, WrongRootsLeaveTheKeyReset) {
     for (const wchar_t* path : {L"HKLM\\SOFTWARE", L"", L"\\", L"\\Software", L"HKEY_LOCAL_MACHIN",
                                 L"HKEY_LOCAL_MACHINE/Software", L"Software"}) {
-        CRegistryKey key(L"HKEY_LOCAL_MACHINE\\Software");
-        ASSERT_TRUE(key.IsOpen());
-        {
-            test::RegistryCalls calls;
-            EXPECT_FALSE(key.Open(path, true));
-            EXPECT_EQ(calls.Calls(), Lines{"RegCloseKey(?)"});
-        }
-        EXPECT_TRUE(test::IsReset(key));
+        SCOPED_TRACE(testing::PrintToString(std::wstring(path)));
+        ExpectAnOpenKeyIsReset(path);
     }
 }
 
@@ -263,12 +266,8 @@ TEST_F(PathResolution, RefusedVolatilePathsOpenNothing) {
 TEST_F(PathResolution, RefusedVolatilePathsLeaveAnOpenKeyClosedAndReset) {
     for (const wchar_t* path :
          {L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\a\\volatile", L"HKEY_LOCAL_MACHINE\\volatile"}) {
-        CRegistryKey key(L"HKEY_LOCAL_MACHINE\\Software");
-        ASSERT_TRUE(key.IsOpen());
-        test::RegistryCalls calls;
-        EXPECT_FALSE(key.Open(path, true));
-        EXPECT_EQ(calls.Calls(), Lines{"RegCloseKey(?)"});
-        EXPECT_TRUE(test::IsReset(key));
+        SCOPED_TRACE(testing::PrintToString(std::wstring(path)));
+        ExpectAnOpenKeyIsReset(path);
     }
 }
 

@@ -22,23 +22,20 @@ struct RootRow {
     HKEY hive;
     std::wstring base;
     std::wstring stampBase; // where the key "volatile" is made
-    bool isVolatile;
-    bool hasValueCreator;
     bool canLock;
 };
 
 const RootRow Roots[] = {
-    {1, L"M_KOR_HKEY_LOCAL_MACHINE_RUNTIME", HKEY_LOCAL_MACHINE, Runtime, Runtime, true, true,
-     true},
-    {2, L"M_KOR_HKEY_CURRENT_USER_RUNTIME", HKEY_CURRENT_USER, Runtime, Runtime, true, true, true},
+    {1, L"M_KOR_HKEY_LOCAL_MACHINE_RUNTIME", HKEY_LOCAL_MACHINE, Runtime, Runtime, true},
+    {2, L"M_KOR_HKEY_CURRENT_USER_RUNTIME", HKEY_CURRENT_USER, Runtime, Runtime, true},
     {3, L"M_KOR_HKEY_LOCAL_MACHINE_DEVELOPMENT", HKEY_LOCAL_MACHINE, Library + L"\\Development",
-     Library + L"\\Development", true, true, true},
+     Library + L"\\Development", true},
     {4, L"M_KOR_HKEY_CURRENT_USER_DEVELOPMENT", HKEY_CURRENT_USER, Library + L"\\Development",
-     Library + L"\\Development", true, true, true},
+     Library + L"\\Development", true},
     {5, L"M_KOR_HKEY_LOCAL_MACHINE_IMAGING_BOARD", HKEY_LOCAL_MACHINE,
-     test::Vantrel + L"\\Imaging Board", test::Vantrel + L"\\Imaging Board", true, true, false},
-    {7, L"M_KOR_HKEY_COMMON_TOOLS_FOLDER", HKEY_LOCAL_MACHINE, Tools, Tools, true, true, true},
-    {8, L"M_KOR_HKEY_LOCAL_MACHINE_ROOT", HKEY_LOCAL_MACHINE, Library, Library, true, true, false},
+     test::Vantrel + L"\\Imaging Board", test::Vantrel + L"\\Imaging Board", false},
+    {7, L"M_KOR_HKEY_COMMON_TOOLS_FOLDER", HKEY_LOCAL_MACHINE, Tools, Tools, true},
+    {8, L"M_KOR_HKEY_LOCAL_MACHINE_ROOT", HKEY_LOCAL_MACHINE, Library, Library, false},
 };
 
 void ExpectStamps(HKEY hive, const std::wstring& volatileKey, const std::wstring& creatorPath) {

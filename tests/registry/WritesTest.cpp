@@ -142,8 +142,7 @@ TEST_F(Writes, OnlySuccessfulChangesAreFlushed) {
     EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_FALSE(key.DeleteValue(L"missing")); }), 0);
     EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_FALSE(key.DeleteSubKey(L"missing")); }), 0);
     EXPECT_EQ(flushes([](CRegistryKey& key) {
-                  HOOK_IMPORT(set, RegSetValueExW,
-                              [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+                  HOOK_IMPORT(set, RegSetValueExW, test::Refused);
                   EXPECT_FALSE(key.WriteDword(L"n", 1U));
               }),
               0);
@@ -159,13 +158,11 @@ TEST_F(Writes, AFailureDoesNotTakeBackTheNeedToFlush) {
         [](CRegistryKey& key) { return key.DeleteValue(L"missing"); },
         [](CRegistryKey& key) { return key.CreateSubKey(L"\\a"); },
         [](CRegistryKey& key) {
-            HOOK_IMPORT(deleteKey, RegDeleteKeyExW,
-                        [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+            HOOK_IMPORT(deleteKey, RegDeleteKeyExW, test::Refused);
             return key.DeleteSubKey(L"made");
         },
         [](CRegistryKey& key) {
-            HOOK_IMPORT(set, RegSetValueExW,
-                        [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+            HOOK_IMPORT(set, RegSetValueExW, test::Refused);
             return key.WriteDword(L"n", 1U);
         },
     };
@@ -225,8 +222,7 @@ TEST_F(Writes, OnlyWritableRootsAreWritten) {
 
 // Without the per-user root the predefined one decides by the layout.
 TEST_F(Writes, ThePredefinedUserRootIsWritableInThePlainLayoutOnly) {
-    HOOK_IMPORT(openUser, RegOpenCurrentUser,
-                [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+    HOOK_IMPORT(openUser, RegOpenCurrentUser, test::Refused);
     CRegistryKey plain(UserKey);
     EXPECT_TRUE(plain.WriteDword(L"plain", 1U));
     CRegistryKey::SetRtxMode(true);

@@ -64,9 +64,10 @@ void Call(const std::function<void()>& what) {
     }
 }
 
-HRESULT Give(FakeObject* object, REFIID iid, void** out) {
+template <typename Interface>
+HRESULT Give(FakeObject* object, REFIID iid, Interface** out) {
     *out = nullptr;
-    return object != nullptr ? object->Query(iid, out) : S_OK;
+    return object != nullptr ? object->Query(iid, reinterpret_cast<void**>(out)) : S_OK;
 }
 
 constexpr std::size_t LargestTable = 400;
@@ -153,8 +154,7 @@ FakeElement::FakeElement() {
                     return S_OK;
                 }),
          METHOD(IHTMLElement, get_style, [](Face* self, IHTMLStyle** out) {
-             return Give(Self<FakeElement>(self).Style, IID_IHTMLStyle,
-                         reinterpret_cast<void**>(out));
+             return Give(Self<FakeElement>(self).Style, IID_IHTMLStyle, out);
          })});
 }
 
@@ -207,8 +207,7 @@ FakeCollection::FakeCollection() {
                       [](Face* self, VARIANT name, VARIANT, IDispatch** out) -> HRESULT {
                           auto& all = Self<FakeCollection>(self);
                           all.Asked.emplace_back(name.bstrVal);
-                          return Give(all.HasSeveral ? &all : nullptr, IID_IDispatch,
-                                      reinterpret_cast<void**>(out));
+                          return Give(all.HasSeveral ? &all : nullptr, IID_IDispatch, out);
                       })});
 }
 
@@ -218,13 +217,12 @@ FakeDocument::FakeDocument() {
     Implement(IID_IHTMLDocument2,
               {METHOD(IHTMLDocument2, get_body,
                       [](Face* self, IHTMLElement** out) {
-                          return Give(Self<FakeDocument>(self).Body, IID_IHTMLElement,
-                                      reinterpret_cast<void**>(out));
+                          return Give(Self<FakeDocument>(self).Body, IID_IHTMLElement, out);
                       }),
                METHOD(IHTMLDocument2, get_all,
                       [](Face* self, IHTMLElementCollection** out) {
                           return Give(Self<FakeDocument>(self).All, IID_IHTMLElementCollection,
-                                      reinterpret_cast<void**>(out));
+                                      out);
                       }),
                METHOD(IHTMLDocument2, get_readyState,
                       [](Face* self, BSTR* out) {
@@ -241,8 +239,7 @@ FakeDocument::FakeDocument() {
                                           [](Face* self, BSTR id, IHTMLElement** out) -> HRESULT {
                                               auto& document = Self<FakeDocument>(self);
                                               document.Asked.emplace_back(id);
-                                              return Give(document.Sections, IID_IHTMLElement,
-                                                          reinterpret_cast<void**>(out));
+                                              return Give(document.Sections, IID_IHTMLElement, out);
                                           })});
 }
 
@@ -250,8 +247,7 @@ FakeEvent::FakeEvent() {
     Implement(IID_IDispatch, {});
     Implement(IID_IHTMLEventObj,
               {METHOD(IHTMLEventObj, get_srcElement, [](Face* self, IHTMLElement** out) {
-                  return Give(Self<FakeEvent>(self).Source, IID_IHTMLElement,
-                              reinterpret_cast<void**>(out));
+                  return Give(Self<FakeEvent>(self).Source, IID_IHTMLElement, out);
               })});
 }
 
@@ -273,8 +269,7 @@ FakeBrowser::FakeBrowser() {
                           return S_OK;
                       }),
                METHOD(IWebBrowser2, get_Document, [](Face* self, IDispatch** out) {
-                   return Give(Self<FakeBrowser>(self).Document, IID_IDispatch,
-                               reinterpret_cast<void**>(out));
+                   return Give(Self<FakeBrowser>(self).Document, IID_IDispatch, out);
                })});
     Implement(IID_IOleObject, {METHOD(IOleObject, SetClientSite,
                                       [](Face* self, IOleClientSite* site) -> HRESULT {
@@ -321,13 +316,6 @@ FakeBrowser::FakeBrowser() {
                           browser.Keys.push_back(message->message);
                           return browser.OnKey ? browser.OnKey(message) : S_FALSE;
                       })});
-}
-
-VARIANT FakeBrowser::Dispatch() {
-    VARIANT value = {};
-    value.vt = VT_DISPATCH;
-    value.pdispVal = As<IDispatch>(IID_IDispatch);
-    return value;
 }
 
 } // namespace test

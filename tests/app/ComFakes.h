@@ -138,7 +138,6 @@ public:
 class FakeBrowser : public FakeSource {
 public:
     FakeBrowser();
-    VARIANT Dispatch(); // the control itself as an argument of an event
 
     FakeDocument* Document = nullptr;
     IOleClientSite* Site = nullptr;

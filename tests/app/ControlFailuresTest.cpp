@@ -51,7 +51,7 @@ Outcome RunDialog(test::FailingCalls& calls, ULONGLONG patience) {
                     return id == CLSID_WebBrowser ? calls.Make(make, iid, object) : make();
                 });
     const ULONGLONG end = GetTickCount64() + patience;
-    HOOK_IMPORT(get, GetMessageW, [&](MSG* message, HWND, UINT, UINT) -> BOOL {
+    HOOK_IMPORT(get, GetMessageW, [&](MSG* message, auto...) -> BOOL {
         run.Shown = IsWindowVisible(dialog.m_hWnd) != FALSE;
         while (!dialog.Filled && GetTickCount64() < end) {
             if (PeekMessageW(message, nullptr, 0, 0, PM_REMOVE)) {
@@ -73,7 +73,7 @@ TEST(ControlFailures, EachCallToWinesOwnControlFailsOnceAndNothingIsLeft) {
     test::SetRaw(HKEY_LOCAL_MACHINE, DocumentServer, L"",
                  test::Text(REG_SZ, test::BesideProgram(L"htmldocument.dll")));
     test::TestInstallation installed;
-    installed.SetText(L"Vantrel\\Vantrel Imaging Library", L"KorVersion", L"1");
+    installed.SetText(test::LibraryKey, L"KorVersion", L"1");
     int calls = 0;
     int filled = 0;
     for (int failing = 0; failing <= calls; ++failing) {

@@ -11,8 +11,6 @@
 
 namespace {
 
-using test::RunModal;
-
 // A dialog whose message map takes messages that only a creation sends.
 class Recorder : public CDialog {
 public:
@@ -68,8 +66,7 @@ END_MESSAGE_MAP()
 }
 
 TEST(Creation, WithoutTheHookTheDialogComesAllTheSame) {
-    HOOK_IMPORT(hook, SetWindowsHookExW,
-                [](int, HOOKPROC, HINSTANCE, DWORD) -> HHOOK { return nullptr; });
+    HOOK_IMPORT(hook, SetWindowsHookExW, [](auto...) -> HHOOK { return nullptr; });
     Recorder dialog;
     EXPECT_EQ(dialog.DoModal(), IDOK);
     EXPECT_EQ(dialog.m_hWnd, nullptr);
@@ -91,14 +88,13 @@ TEST(Creation, OfAnotherWindowMeanwhileIsNotTheDialogs) {
 TEST(Creation, ThatFailsIsToldFromADialogThatEndedOtherwise) {
     Recorder dialog;
     {
-        HOOK_IMPORT(create, CreateDialogParamW,
-                    [](HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM) -> HWND { return nullptr; });
+        HOOK_IMPORT(create, CreateDialogParamW, [](auto...) -> HWND { return nullptr; });
         EXPECT_EQ(dialog.DoModal(), -1);
     }
     dialog.Goes = [&] { DestroyWindow(dialog.m_hWnd); };
     EXPECT_EQ(dialog.DoModal(), IDABORT);
     dialog.Goes = [&] { PostMessageW(dialog.m_hWnd, WM_NULL, 0, 0); };
-    HOOK_IMPORT(get, GetMessageW, [](MSG*, HWND, UINT, UINT) -> BOOL { return -1; });
+    HOOK_IMPORT(get, GetMessageW, [](auto...) -> BOOL { return -1; });
     EXPECT_EQ(dialog.DoModal(), IDABORT);
 }
 
@@ -123,7 +119,7 @@ TEST_F(FirstSize, IsAtLeastTheWindowsOwn) {
         EXPECT_EQ(WindowSize().cx, 1300) << "larger than the template";
         EXPECT_EQ(WindowSize().cy, 1100);
     };
-    RunModal(m_dialog, m_page, {});
+    Run();
     EXPECT_TRUE(looked);
 }
 
@@ -140,7 +136,7 @@ TEST_F(FirstSize, IsNotLargerThanTheWorkArea) {
     };
     m_dialog.WindowHeight = 10;
     m_dialog.WindowWidth = 10;
-    RunModal(m_dialog, m_page, {});
+    Run();
     EXPECT_TRUE(looked);
 }
 

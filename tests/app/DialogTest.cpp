@@ -50,8 +50,8 @@ TEST(Dialog, ItsSizesFollowTheScreen) {
         HOOK_IMPORT(context, GetDC, [&](HWND) {
             return reinterpret_cast<HDC>(static_cast<INT_PTR>(c.dpi != 0 ? 0x1234 : 0));
         });
-        HOOK_IMPORT(capability, GetDeviceCaps, [&](HDC, int) { return c.dpi; });
-        HOOK_IMPORT(release, ReleaseDC, [](HWND, HDC) { return 1; });
+        HOOK_IMPORT(capability, GetDeviceCaps, [&](auto...) { return c.dpi; });
+        HOOK_IMPORT(release, ReleaseDC, [](auto...) { return 1; });
         const TestDialog dialog;
         EXPECT_EQ(dialog.SectionBaseHeight, c.sectionBaseHeight);
         EXPECT_EQ(dialog.ItemHeight, c.itemHeight);
@@ -84,9 +84,8 @@ TEST(Dialog, ServesThreeEventsOfItemsAndNoOthers) {
 
 TEST(Dialog, TheConstructorQueriesBuildsAndComposes) {
     const test::TestInstallation installation;
-    installation.SetText(L"Vantrel\\Vantrel Imaging Library", L"KorVersion", L"1");
-    installation.SetText(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install", L"installdir",
-                         L"C:\\KorTest\\");
+    installation.SetText(test::LibraryKey, L"KorVersion", L"1");
+    installation.SetText(test::InstallKey, L"installdir", L"C:\\KorTest\\");
     const TestDialog dialog;
     EXPECT_STREQ(dialog.InstallDir.Text(), L"C:\\KorTest\\");
     EXPECT_GT(dialog.Sections.Count(), 0);
@@ -148,7 +147,7 @@ TEST(Dialog, TheTrackingSizesFollowTheWorkArea) {
 
 TEST(Dialog, WithoutAWorkAreaEverySizeIsTooLarge) {
     const test::TestInstallation installation;
-    HOOK_IMPORT(area, SystemParametersInfoW, [](UINT, UINT, PVOID, UINT) -> BOOL { return FALSE; });
+    HOOK_IMPORT(area, SystemParametersInfoW, [](auto...) -> BOOL { return FALSE; });
     TestDialog dialog;
     MINMAXINFO info = {{}, {}, {}, {1, 2}, {3, 4}};
     dialog.OnGetMinMaxInfo(&info);
@@ -196,7 +195,7 @@ TEST(Dialog, MinimisedItPaintsItsIcon) {
     std::vector<std::string> log;
     const HDC dc = reinterpret_cast<HDC>(0x4321);
     const HICON icon = reinterpret_cast<HICON>(0x99);
-    HOOK_IMPORT(load, LoadIconW, [&](HINSTANCE, LPCWSTR) { return icon; });
+    HOOK_IMPORT(load, LoadIconW, [&](auto...) { return icon; });
     TestDialog dialog;
     dialog.m_hWnd = reinterpret_cast<HWND>(0x1234);
     HOOK_IMPORT(iconic, IsIconic, [](HWND) -> BOOL { return TRUE; });
@@ -244,11 +243,11 @@ TEST(Dialog, OtherwiseTheWindowPaintsItself) {
     TestDialog dialog;
     int passedOn = 0;
     HOOK_IMPORT(iconic, IsIconic, [](HWND) -> BOOL { return FALSE; });
-    HOOK_IMPORT(begin, BeginPaint, [](HWND, PAINTSTRUCT*) -> HDC {
+    HOOK_IMPORT(begin, BeginPaint, [](auto...) -> HDC {
         ADD_FAILURE() << "painted by the dialog";
         return nullptr;
     });
-    HOOK_IMPORT(call, CallWindowProcW, [&](WNDPROC, HWND, UINT, WPARAM, LPARAM) -> LRESULT {
+    HOOK_IMPORT(call, CallWindowProcW, [&](auto...) -> LRESULT {
         ++passedOn;
         return 0;
     });
@@ -278,13 +277,12 @@ TEST_F(PageOfDialog, ItsTextIsFreedBeforeTheWindowIsResizedAndItsElementReleased
         }
         free.Original(text);
     });
-    HOOK_IMPORT(resize, SetWindowPos,
-                [&](HWND window, HWND after, int x, int y, int cx, int cy, UINT flags) -> BOOL {
-                    log.emplace_back("resize");
-                    return resize.Original(window, after, x, y, cx, cy, flags);
-                });
+    HOOK_IMPORT(resize, SetWindowPos, [&](auto... all) -> BOOL {
+        log.emplace_back("resize");
+        return resize.Original(all...);
+    });
     m_page.Sections.OnRelease = [&] { log.emplace_back("release"); };
-    test::RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); })});
+    Run(Completed());
     EXPECT_EQ(log, (std::vector<std::string>{"free", "resize", "release"}));
 }
 
@@ -320,11 +318,10 @@ TEST_F(PageOfDialogDeathTest, WithoutMemoryToComposeItTheProcessEnds) {
         });
         // The page's text as it is when the list of sections is in it.
         const std::size_t size = static_cast<std::size_t>(m_dialog.PageHtml.Capacity());
-        test::RunModal(m_dialog, m_page,
-                       {Do([&] { m_page.Complete(); }), Do([&] {
-                            const test::AllocationFailure failure(1, size * sizeof(wchar_t));
-                            AskHost(WM_KEYUP, VK_F5);
-                        })});
+        Run(Completed(), [&] {
+            const test::AllocationFailure failure(1, size * sizeof(wchar_t));
+            AskHost(WM_KEYUP, VK_F5);
+        });
     };
     EXPECT_EXIT(fill(), testing::ExitedWithCode(1),
                 "\\[Not enough heap memory to process\\.\\|Fatal memory error\\.\\|0\\]");

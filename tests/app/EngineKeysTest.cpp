@@ -9,9 +9,6 @@
 
 namespace {
 
-using test::Do;
-using test::RunModal;
-
 class EngineKeys : public test::HostedDialog {
 protected:
     test::Turn Key(UINT message, WPARAM key) {
@@ -51,14 +48,14 @@ TEST_F(EngineKeys, F5FillsOnceHoweverTheEngineAsks) {
                             }
                             return window.Original(procedure, of, message, key, lParam);
                         });
-            RunModal(m_dialog, m_page,
-                     {Do([&] {
-                          m_page.Complete();
-                          before = Fills();
-                      }),
-                      Key(WM_KEYDOWN, VK_F5), Key(WM_KEYUP, VK_F5),
-                      Do([&] { EXPECT_EQ(Fills(), before + 1); }), Key(WM_KEYUP, VK_F5),
-                      Do([&] { EXPECT_EQ(Fills(), before + 2) << "the next one is another"; })});
+            Run(
+                [&] {
+                    m_page.Complete();
+                    before = Fills();
+                },
+                Key(WM_KEYDOWN, VK_F5), Key(WM_KEYUP, VK_F5),
+                [&] { EXPECT_EQ(Fills(), before + 1); }, Key(WM_KEYUP, VK_F5),
+                [&] { EXPECT_EQ(Fills(), before + 2) << "the next one is another"; });
             EXPECT_EQ(m_page.Browser.Keys, (std::vector<UINT>{WM_KEYUP, WM_KEYUP}))
                 << "the engine would refresh when the key goes down";
         }
@@ -66,9 +63,8 @@ TEST_F(EngineKeys, F5FillsOnceHoweverTheEngineAsks) {
 }
 
 TEST_F(EngineKeys, TheReloadKeyOfAKeyboardDoesNotReachIt) {
-    RunModal(m_dialog, m_page,
-             {Do([&] { m_page.Complete(); }), Key(WM_KEYDOWN, VK_BROWSER_REFRESH),
-              Do([&] { EXPECT_TRUE(m_page.Browser.Keys.empty()); })});
+    Run(Completed(), Key(WM_KEYDOWN, VK_BROWSER_REFRESH),
+        [&] { EXPECT_TRUE(m_page.Browser.Keys.empty()); });
 }
 
 TEST_F(EngineKeys, AltF4QuitsOnceHoweverTheEngineAsks) {
@@ -78,15 +74,17 @@ TEST_F(EngineKeys, AltF4QuitsOnceHoweverTheEngineAsks) {
         m_page.Browser.OnKey = [&](const MSG* key) {
             return asks ? AskHost(key->message, key->wParam) : S_FALSE;
         };
-        RunModal(m_dialog, m_page,
-                 {Key(WM_SYSKEYDOWN, VK_F4), Do([&] {
-                      EXPECT_EQ(m_page.Quits, 0);
-                      EXPECT_NE(m_dialog.m_hWnd, nullptr);
-                  }),
-                  Key(WM_SYSKEYUP, VK_F4), Do([&] {
-                      EXPECT_EQ(m_page.Quits, 1);
-                      EXPECT_NE(m_dialog.m_hWnd, nullptr) << "not closed by it";
-                  })});
+        Run(
+            Key(WM_SYSKEYDOWN, VK_F4),
+            [&] {
+                EXPECT_EQ(m_page.Quits, 0);
+                EXPECT_NE(m_dialog.m_hWnd, nullptr);
+            },
+            Key(WM_SYSKEYUP, VK_F4),
+            [&] {
+                EXPECT_EQ(m_page.Quits, 1);
+                EXPECT_NE(m_dialog.m_hWnd, nullptr) << "not closed by it";
+            });
     }
 }
 
@@ -96,15 +94,16 @@ TEST_F(EngineKeys, AFailureToFillThePageEndsBeforeTheLoop) {
         return !fails || wcscmp(text, L"Sections") == 0 ? allocate.Original(text) : nullptr;
     });
     bool wentOn = false;
-    RunModal(m_dialog, m_page,
-             {Do([&] {
-                  m_page.Complete();
-                  fails = true;
-              }),
-              Key(WM_KEYUP, VK_F5), Do([&] {
-                  fails = false;
-                  wentOn = true;
-              })});
+    Run(
+        [&] {
+            m_page.Complete();
+            fails = true;
+        },
+        Key(WM_KEYUP, VK_F5),
+        [&] {
+            fails = false;
+            wentOn = true;
+        });
     EXPECT_TRUE(wentOn);
     EXPECT_EQ(Fills(), 1U);
 }
@@ -128,31 +127,30 @@ TEST_F(EngineKeys, TheDocumentGetsTheFocusOfAnActiveDialog) {
                 m_page.Complete();
             }
         };
-        RunModal(m_dialog, m_page,
-                 {Do([&] {
-                      EXPECT_EQ(GetActiveWindow(), m_dialog.m_hWnd);
-                      if (!atOnce) {
-                          m_page.Complete();
-                      }
-                      EXPECT_EQ(GetFocus(), m_page.Document.Window)
-                          << "although the dialog manager gave it to the control";
-                      SetFocus(GetParent(m_page.Document.Window));
-                      SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_ACTIVE, 0);
-                      EXPECT_EQ(GetFocus(), m_page.Document.Window);
-                      SetFocus(m_dialog.m_hWnd);
-                      EXPECT_EQ(GetFocus(), m_page.Document.Window) << "the dialog hands it on";
-                  }),
-                  Do([&] {
-                      const HWND other =
-                          CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 10, 10,
-                                          nullptr, nullptr, nullptr, nullptr);
-                      m_page.Document.Sections = nullptr; // resizing would activate the dialog
-                      SetActiveWindow(other);
-                      SetFocus(other);
-                      m_page.Complete();
-                      EXPECT_EQ(GetFocus(), other) << "nothing is taken from another window";
-                      DestroyWindow(other);
-                  })});
+        Run(
+            [&] {
+                EXPECT_EQ(GetActiveWindow(), m_dialog.m_hWnd);
+                if (!atOnce) {
+                    m_page.Complete();
+                }
+                EXPECT_EQ(GetFocus(), m_page.Document.Window)
+                    << "although the dialog manager gave it to the control";
+                SetFocus(GetParent(m_page.Document.Window));
+                SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_ACTIVE, 0);
+                EXPECT_EQ(GetFocus(), m_page.Document.Window);
+                SetFocus(m_dialog.m_hWnd);
+                EXPECT_EQ(GetFocus(), m_page.Document.Window) << "the dialog hands it on";
+            },
+            [&] {
+                const HWND other = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0,
+                                                   10, 10, nullptr, nullptr, nullptr, nullptr);
+                m_page.Document.Sections = nullptr; // resizing would activate the dialog
+                SetActiveWindow(other);
+                SetFocus(other);
+                m_page.Complete();
+                EXPECT_EQ(GetFocus(), other) << "nothing is taken from another window";
+                DestroyWindow(other);
+            });
     }
 }
 

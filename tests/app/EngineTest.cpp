@@ -77,105 +77,106 @@ TEST_F(Engine, APageThatWasLoadedAgainIsFilledAgainAndItsEventsArrive) {
     other.Sections = &m_page.Sections;
     other.Body = &m_newBody;
     other.Log = &m_page.Log;
-    RunModal(m_dialog, m_page,
-             {Do([&] { m_page.Complete(); }), Do([&] {
-                  m_page.Log.clear();
-                  Reload();
-                  EXPECT_EQ(Fills(), 2U);
-                  EXPECT_EQ(m_page.Log, (std::vector<std::string>{"document unadvise",
-                                                                  "document advise", "innerHTML"}));
-                  Reload();
-                  EXPECT_EQ(Fills(), 3U) << "and once more";
-              }),
-              Do([&] {
-                  m_page.Browser.Document = &other;
-                  m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
-                  EXPECT_EQ(Fills(), 4U) << "with a new document, too";
-                  EXPECT_EQ(m_page.Document.Sink, nullptr);
-                  EXPECT_NE(other.Sink, nullptr);
-              })});
+    Run(
+        Completed(),
+        [&] {
+            m_page.Log.clear();
+            Reload();
+            EXPECT_EQ(Fills(), 2U);
+            EXPECT_EQ(m_page.Log, (std::vector<std::string>{"document unadvise", "document advise",
+                                                            "innerHTML"}));
+            Reload();
+            EXPECT_EQ(Fills(), 3U) << "and once more";
+        },
+        [&] {
+            m_page.Browser.Document = &other;
+            m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
+            EXPECT_EQ(Fills(), 4U) << "with a new document, too";
+            EXPECT_EQ(m_page.Document.Sink, nullptr);
+            EXPECT_NE(other.Sink, nullptr);
+        });
 }
 
 TEST_F(Engine, DownloadsWithinThePageDoNotFillIt) {
-    RunModal(m_dialog, m_page,
-             {Do([&] {
-                  m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
-                  EXPECT_EQ(Fills(), 0U) << "the page is not complete yet";
-              }),
-              Do([&] { m_page.Complete(); }), Do([&] {
-                  m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
-                  EXPECT_EQ(Fills(), 1U) << "a picture, say";
-                  m_page.Document.State = L"interactive";
-                  Reload();
-                  EXPECT_EQ(Fills(), 1U) << "the reloaded page is not complete yet";
-                  m_page.Document.State = L"complete";
-                  m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
-                  EXPECT_EQ(Fills(), 2U);
-                  m_page.Document.Body = nullptr;
-                  m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
-                  EXPECT_EQ(Fills(), 2U);
-              })});
+    Run(
+        [&] {
+            m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
+            EXPECT_EQ(Fills(), 0U) << "the page is not complete yet";
+        },
+        Completed(),
+        [&] {
+            m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
+            EXPECT_EQ(Fills(), 1U) << "a picture, say";
+            m_page.Document.State = L"interactive";
+            Reload();
+            EXPECT_EQ(Fills(), 1U) << "the reloaded page is not complete yet";
+            m_page.Document.State = L"complete";
+            m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
+            EXPECT_EQ(Fills(), 2U);
+            m_page.Document.Body = nullptr;
+            m_page.Browser.Fire(DISPID_DOWNLOADCOMPLETE, {});
+            EXPECT_EQ(Fills(), 2U);
+        });
 }
 
 TEST_F(Engine, ItsContextMenuIsNotShown) {
-    RunModal(m_dialog, m_page, {Do([&] {
-                 CComPtr<IDocHostUIHandler> handler;
-                 POINT position = {};
-                 EXPECT_EQ(Site(handler)->ShowContextMenu(0, &position, nullptr, nullptr), S_OK)
-                     << "S_FALSE would have the engine show its own";
-             })});
+    Run([&] {
+        CComPtr<IDocHostUIHandler> handler;
+        POINT position = {};
+        EXPECT_EQ(Site(handler)->ShowContextMenu(0, &position, nullptr, nullptr), S_OK)
+            << "S_FALSE would have the engine show its own";
+    });
     POINT position = {};
     EXPECT_EQ(m_dialog.ShowContextMenu(0, &position, nullptr, nullptr), S_FALSE)
         << "the dialog has shown none";
 }
 
 TEST_F(Engine, NothingCanBeDroppedOnThePage) {
-    RunModal(m_dialog, m_page, {Do([&] {
-                 EXPECT_EQ(m_page.Browser.TakesDrops, VARIANT_FALSE);
-                 CComPtr<IDocHostUIHandler> handler;
-                 CComPtr<IDropTarget> target;
-                 ASSERT_EQ(Site(handler)->GetDropTarget(nullptr, &target), S_OK);
-                 ASSERT_NE(target, nullptr);
-                 const auto expectRefusal = [](const std::function<HRESULT(DWORD*)>& drag) {
-                     DWORD effect = DROPEFFECT_COPY | DROPEFFECT_LINK;
-                     EXPECT_EQ(drag(&effect), S_OK);
-                     EXPECT_EQ(effect, static_cast<DWORD>(DROPEFFECT_NONE));
-                 };
-                 expectRefusal([&](DWORD* e) { return target->DragEnter(nullptr, 0, {}, e); });
-                 expectRefusal([&](DWORD* e) { return target->DragOver(0, {}, e); });
-                 expectRefusal([&](DWORD* e) { return target->Drop(nullptr, 0, {}, e); });
-                 EXPECT_EQ(target->DragLeave(), S_OK);
-                 CComPtr<IDropTarget> same;
-                 EXPECT_EQ(target->QueryInterface(IID_PPV_ARGS(&same)), S_OK);
-                 CComPtr<IDispatch> none;
-                 EXPECT_EQ(target->QueryInterface(IID_PPV_ARGS(&none)), E_NOINTERFACE);
-             })});
+    Run([&] {
+        EXPECT_EQ(m_page.Browser.TakesDrops, VARIANT_FALSE);
+        CComPtr<IDocHostUIHandler> handler;
+        CComPtr<IDropTarget> target;
+        ASSERT_EQ(Site(handler)->GetDropTarget(nullptr, &target), S_OK);
+        ASSERT_NE(target, nullptr);
+        const auto expectRefusal = [](const std::function<HRESULT(DWORD*)>& drag) {
+            DWORD effect = DROPEFFECT_COPY | DROPEFFECT_LINK;
+            EXPECT_EQ(drag(&effect), S_OK);
+            EXPECT_EQ(effect, static_cast<DWORD>(DROPEFFECT_NONE));
+        };
+        expectRefusal([&](DWORD* e) { return target->DragEnter(nullptr, 0, {}, e); });
+        expectRefusal([&](DWORD* e) { return target->DragOver(0, {}, e); });
+        expectRefusal([&](DWORD* e) { return target->Drop(nullptr, 0, {}, e); });
+        EXPECT_EQ(target->DragLeave(), S_OK);
+        CComPtr<IDropTarget> same;
+        EXPECT_EQ(target->QueryInterface(IID_PPV_ARGS(&same)), S_OK);
+        CComPtr<IDispatch> none;
+        EXPECT_EQ(target->QueryInterface(IID_PPV_ARGS(&none)), E_NOINTERFACE);
+    });
 }
 
 TEST_F(Engine, NoNavigationOfTheTopFrameLeavesThePage) {
     test::FakeDocument frame;
-    RunModal(m_dialog, m_page,
-             {Do([&] { EXPECT_FALSE(CancelsNavigation()) << "the page's own"; }),
-              Do([&] { m_page.Complete(); }), Do([&] {
-                  EXPECT_TRUE(CancelsNavigation());
-                  EXPECT_FALSE(CancelsNavigation(frame)) << "within the page";
-                  m_page.Browser.Fire(DISPID_BEFORENAVIGATE2, {});
-              })});
+    Run([&] { EXPECT_FALSE(CancelsNavigation()) << "the page's own"; }, Completed(),
+        [&] {
+            EXPECT_TRUE(CancelsNavigation());
+            EXPECT_FALSE(CancelsNavigation(frame)) << "within the page";
+            m_page.Browser.Fire(DISPID_BEFORENAVIGATE2, {});
+        });
 }
 
 TEST_F(Engine, NewWindowsAndErrorPagesAreCancelled) {
-    RunModal(m_dialog, m_page, {Do([&] {
-                 EXPECT_TRUE(Cancels(DISPID_NAVIGATEERROR, 5, 0, m_page.Browser));
-                 EXPECT_TRUE(Cancels(DISPID_NEWWINDOW3, 5, 3, m_page.Browser));
-                 VARIANT_BOOL cancelled = VARIANT_FALSE;
-                 VARIANT cancel = {};
-                 cancel.vt = VT_BYREF | VT_BOOL;
-                 cancel.pboolVal = &cancelled;
-                 m_page.Browser.Fire(DISPID_NEWWINDOW2, {cancel, {}});
-                 EXPECT_EQ(cancelled, VARIANT_TRUE);
-                 m_page.Browser.Fire(DISPID_NEWWINDOW2, {{}, {}});
-                 m_page.Browser.Fire(DISPID_NAVIGATEERROR, {});
-             })});
+    Run([&] {
+        EXPECT_TRUE(Cancels(DISPID_NAVIGATEERROR, 5, 0, m_page.Browser));
+        EXPECT_TRUE(Cancels(DISPID_NEWWINDOW3, 5, 3, m_page.Browser));
+        VARIANT_BOOL cancelled = VARIANT_FALSE;
+        VARIANT cancel = {};
+        cancel.vt = VT_BYREF | VT_BOOL;
+        cancel.pboolVal = &cancelled;
+        m_page.Browser.Fire(DISPID_NEWWINDOW2, {cancel, {}});
+        EXPECT_EQ(cancelled, VARIANT_TRUE);
+        m_page.Browser.Fire(DISPID_NEWWINDOW2, {{}, {}});
+        m_page.Browser.Fire(DISPID_NAVIGATEERROR, {});
+    });
     EXPECT_EQ(Fills(), 0U);
 }
 
@@ -197,16 +198,16 @@ TEST_F(Engine, AForeignPageIsNeitherFilledNorHeard) {
 TEST_F(Engine, EventsOfAForeignPageInTheSameDocumentReachNoHandler) {
     OnItem on;
     constexpr auto MouseOut = static_cast<DISPID>(0x80010009);
-    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
-                                    m_page.Document.Fire(MouseOut, {VariantOf(on.Event)});
-                                    EXPECT_EQ(on.Style.Colors.size(), 1U);
-                                    m_page.Document.Url = L"file:///C:/dropped.htm";
-                                    m_page.Document.Fire(MouseOut, {VariantOf(on.Event)});
-                                    EXPECT_EQ(on.Style.Colors.size(), 1U);
-                                    m_page.Complete();
-                                    EXPECT_EQ(m_page.Document.Sink, nullptr);
-                                    EXPECT_EQ(Fills(), 1U);
-                                })});
+    Run(Completed(), [&] {
+        m_page.Document.Fire(MouseOut, {VariantOf(on.Event)});
+        EXPECT_EQ(on.Style.Colors.size(), 1U);
+        m_page.Document.Url = L"file:///C:/dropped.htm";
+        m_page.Document.Fire(MouseOut, {VariantOf(on.Event)});
+        EXPECT_EQ(on.Style.Colors.size(), 1U);
+        m_page.Complete();
+        EXPECT_EQ(m_page.Document.Sink, nullptr);
+        EXPECT_EQ(Fills(), 1U);
+    });
 }
 
 TEST_F(Engine, ASinkThatIsNoLongerConnectedAnswersNothing) {
@@ -218,7 +219,7 @@ TEST_F(Engine, ASinkThatIsNoLongerConnectedAnswersNothing) {
                   S_OK);
         VARIANT url = Text(L"");
         EXPECT_EQ(
-            test::FireAt(browserSink, DISPID_DOCUMENTCOMPLETE, {url, m_page.Browser.Dispatch()}),
+            test::FireAt(browserSink, DISPID_DOCUMENTCOMPLETE, {url, VariantOf(m_page.Browser)}),
             S_OK);
         VariantClear(&url);
         VARIANT_BOOL cancelled = VARIANT_FALSE;
@@ -228,10 +229,10 @@ TEST_F(Engine, ASinkThatIsNoLongerConnectedAnswersNothing) {
         EXPECT_EQ(test::FireAt(browserSink, DISPID_NEWWINDOW2, {cancel, {}}), S_OK);
         EXPECT_EQ(cancelled, VARIANT_FALSE);
     };
-    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
-                                    pageSink = m_page.Document.Sink;
-                                    browserSink = m_page.Browser.Sink;
-                                })});
+    Run(Completed(), [&] {
+        pageSink = m_page.Document.Sink;
+        browserSink = m_page.Browser.Sink;
+    });
     ASSERT_EQ(Fills(), 1U);
     tellBoth();
     EXPECT_TRUE(on.Style.Colors.empty());
@@ -239,20 +240,18 @@ TEST_F(Engine, ASinkThatIsNoLongerConnectedAnswersNothing) {
 }
 
 TEST_F(Engine, NothingIsAnsweredWhileTheSourceLetsGo) {
-    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
-                                    m_page.Browser.OnUnadvise = [&] { m_page.Complete(); };
-                                })});
+    Run(Completed(), [&] { m_page.Browser.OnUnadvise = [&] { m_page.Complete(); }; });
     EXPECT_EQ(Fills(), 1U);
 }
 
 TEST_F(Engine, TheControlIsToldWhenTheFrameIsActivated) {
-    RunModal(m_dialog, m_page, {Do([&] {
-                 m_page.Browser.FrameActivations.clear();
-                 SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_INACTIVE, 0);
-                 SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_ACTIVE, 0);
-                 SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_CLICKACTIVE, 0);
-                 EXPECT_EQ(m_page.Browser.FrameActivations, (std::vector<BOOL>{FALSE, TRUE, TRUE}));
-             })});
+    Run([&] {
+        m_page.Browser.FrameActivations.clear();
+        SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_INACTIVE, 0);
+        SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_ACTIVE, 0);
+        SendMessageW(m_dialog.m_hWnd, WM_ACTIVATE, WA_CLICKACTIVE, 0);
+        EXPECT_EQ(m_page.Browser.FrameActivations, (std::vector<BOOL>{FALSE, TRUE, TRUE}));
+    });
 }
 
 // The element under the mouse is kept until the dialog's end, the event's until its handler's.
@@ -281,7 +280,7 @@ TEST_F(Engine, ClosingInTheMiddleOfAnEventLeavesNoReferenceBehind) {
 
 TEST_F(Engine, ClosingWhileThePageIsFilledEndsIt) {
     m_page.Sections.OnInnerHtml = [&] { DestroyWindow(m_dialog.m_hWnd); };
-    RunModal(m_dialog, m_page, {Do([&] { EXPECT_EQ(m_page.Complete(), S_OK); })});
+    Run([&] { EXPECT_EQ(m_page.Complete(), S_OK); });
     EXPECT_EQ(m_page.Sections.References, 0);
     EXPECT_EQ(m_page.Browser.References, 0);
 }
@@ -306,24 +305,24 @@ TEST_F(Engine, NothingOfTheHostOutlivesItsDialog) {
 }
 
 TEST_F(Engine, ThePageMayLoadPicturesAndNoControls) {
-    RunModal(m_dialog, m_page, {Do([&] {
-                 CComPtr<IDispatch> ambient;
-                 Site(ambient);
-                 DISPPARAMS none = {};
-                 VARIANT value = {};
-                 ASSERT_EQ(ambient->Invoke(DISPID_AMBIENT_DLCONTROL, IID_NULL, 0,
-                                           DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr),
-                           S_OK);
-                 EXPECT_EQ(value.vt, VT_I4);
-                 EXPECT_EQ(value.lVal, 0x10 | 0x100 | 0x200 | 0x400)
-                     << "DLIMAGES, NO_JAVA, NO_RUNACTIVEXCTLS, NO_DLACTIVEXCTLS; not NO_SCRIPTS";
-                 EXPECT_EQ(ambient->Invoke(DISPID_AMBIENT_USERMODE, IID_NULL, 0,
-                                           DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr),
-                           DISP_E_MEMBERNOTFOUND);
-                 EXPECT_EQ(ambient->Invoke(DISPID_AMBIENT_DLCONTROL, IID_NULL, 0,
-                                           DISPATCH_PROPERTYPUT, &none, &value, nullptr, nullptr),
-                           DISP_E_MEMBERNOTFOUND);
-             })});
+    Run([&] {
+        CComPtr<IDispatch> ambient;
+        Site(ambient);
+        DISPPARAMS none = {};
+        VARIANT value = {};
+        ASSERT_EQ(ambient->Invoke(DISPID_AMBIENT_DLCONTROL, IID_NULL, 0, DISPATCH_PROPERTYGET,
+                                  &none, &value, nullptr, nullptr),
+                  S_OK);
+        EXPECT_EQ(value.vt, VT_I4);
+        EXPECT_EQ(value.lVal, 0x10 | 0x100 | 0x200 | 0x400)
+            << "DLIMAGES, NO_JAVA, NO_RUNACTIVEXCTLS, NO_DLACTIVEXCTLS; not NO_SCRIPTS";
+        EXPECT_EQ(ambient->Invoke(DISPID_AMBIENT_USERMODE, IID_NULL, 0, DISPATCH_PROPERTYGET, &none,
+                                  &value, nullptr, nullptr),
+                  DISP_E_MEMBERNOTFOUND);
+        EXPECT_EQ(ambient->Invoke(DISPID_AMBIENT_DLCONTROL, IID_NULL, 0, DISPATCH_PROPERTYPUT,
+                                  &none, &value, nullptr, nullptr),
+                  DISP_E_MEMBERNOTFOUND);
+    });
 }
 
 } // namespace

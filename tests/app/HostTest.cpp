@@ -16,13 +16,13 @@ using Host = test::HostedDialog;
 
 TEST_F(Host, OpensTheControlInOrderAndClosesItInReverse) {
     RECT client = {};
-    RunModal(m_dialog, m_page,
-             {Do([&] {
-                  EXPECT_EQ(m_page.Browser.ConnectedTo, __uuidof(DWebBrowserEvents2));
-                  m_page.Complete();
-                  EXPECT_EQ(m_page.Document.ConnectedTo, __uuidof(HTMLDocumentEvents2));
-              }),
-              Do([&] { GetClientRect(m_dialog.m_hWnd, &client); })});
+    Run(
+        [&] {
+            EXPECT_EQ(m_page.Browser.ConnectedTo, __uuidof(DWebBrowserEvents2));
+            m_page.Complete();
+            EXPECT_EQ(m_page.Document.ConnectedTo, __uuidof(HTMLDocumentEvents2));
+        },
+        [&] { GetClientRect(m_dialog.m_hWnd, &client); });
     EXPECT_EQ(m_page.Log,
               (Lines{"create", "site", "browser advise", "verb -4", "navigate", "document advise",
                      "innerHTML", "document unadvise", "browser unadvise", "close", "no site"}));
@@ -57,41 +57,42 @@ TEST_F(Host, TheDialogIsSetUpInOrder) {
         handler->Release();
         log.emplace_back("base");
     };
-    RunModal(m_dialog, m_page, {Do([&] {
-                 wchar_t title[100];
-                 GetWindowTextW(m_dialog.m_hWnd, title, 100);
-                 EXPECT_STREQ(title, L"Vantrel Imaging Library >> Control Center");
-             })});
+    Run([&] {
+        wchar_t title[100];
+        GetWindowTextW(m_dialog.m_hWnd, title, 100);
+        EXPECT_STREQ(title, L"Vantrel Imaging Library >> Control Center");
+    });
     EXPECT_EQ(log, (Lines{"base", "icon 1", "icon 0", "title"}));
 }
 
 TEST_F(Host, APageThatIsCompleteAtOnceIsFilledToo) {
     m_page.Browser.OnNavigate = [&] { EXPECT_EQ(m_page.Complete(), S_OK); };
-    RunModal(m_dialog, m_page, {Do([&] {
-                 ASSERT_EQ(m_page.Sections.InnerHtml.size(), 1U);
-                 EXPECT_EQ(m_page.Sections.InnerHtml[0], m_dialog.PageHtml.Text());
-                 EXPECT_EQ(WindowSize().cx, m_dialog.WindowWidth);
-                 EXPECT_EQ(WindowSize().cy, m_dialog.WindowHeight);
-             })});
+    Run([&] {
+        ASSERT_EQ(m_page.Sections.InnerHtml.size(), 1U);
+        EXPECT_EQ(m_page.Sections.InnerHtml[0], m_dialog.PageHtml.Text());
+        EXPECT_EQ(WindowSize().cx, m_dialog.WindowWidth);
+        EXPECT_EQ(WindowSize().cy, m_dialog.WindowHeight);
+    });
 }
 
 TEST_F(Host, ThePageIsFilledWhenItIsComplete) {
-    RunModal(m_dialog, m_page,
-             {Do([&] { EXPECT_TRUE(m_page.Sections.InnerHtml.empty()); }),
-              Do([&] { EXPECT_EQ(m_page.Complete(), S_OK); }), Do([&] {
-                  EXPECT_EQ(m_page.Document.Asked, std::vector<std::wstring>{L"Sections"});
-                  ASSERT_EQ(m_page.Sections.InnerHtml.size(), 1U);
-                  EXPECT_EQ(m_page.Sections.InnerHtml[0], m_dialog.PageHtml.Text());
-                  EXPECT_EQ(m_page.Sections.References, 0);
-              })});
+    Run([&] { EXPECT_TRUE(m_page.Sections.InnerHtml.empty()); },
+        [&] { EXPECT_EQ(m_page.Complete(), S_OK); },
+        [&] {
+            EXPECT_EQ(m_page.Document.Asked, std::vector<std::wstring>{L"Sections"});
+            ASSERT_EQ(m_page.Sections.InnerHtml.size(), 1U);
+            EXPECT_EQ(m_page.Sections.InnerHtml[0], m_dialog.PageHtml.Text());
+            EXPECT_EQ(m_page.Sections.References, 0);
+        });
 }
 
 TEST_F(Host, FramesWithinThePageDoNotCount) {
     test::FakeDocument frame;
-    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(frame); }), Do([&] {
-                                    m_page.Browser.Fire(252, {{}, m_page.Browser.Dispatch()});
-                                    m_page.Browser.Fire(259, {});
-                                })});
+    Run([&] { m_page.Complete(frame); },
+        [&] {
+            m_page.Browser.Fire(252, {{}, VariantOf(m_page.Browser)});
+            m_page.Browser.Fire(259, {});
+        });
     EXPECT_TRUE(m_page.Sections.InnerHtml.empty());
 }
 
@@ -107,42 +108,41 @@ TEST_F(Host, TheWindowIsResizedInPlace) {
                     EXPECT_EQ(m_page.Log.back(), "innerHTML") << "once the page is filled";
                     return resize.Original(window, after, x, y, cx, cy, flags);
                 });
-    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); })});
+    Run(Completed());
     EXPECT_EQ(calls, 1);
 }
 
 TEST_F(Host, F5FillsThePageFromScratch) {
-    RunModal(m_dialog, m_page,
-             {Do([&] { m_page.Complete(); }), Do([&] {
-                  const std::int64_t sections = m_dialog.Sections.Count();
-                  const std::int64_t height = m_dialog.WindowHeight;
-                  EXPECT_EQ(height, m_dialog.BaseHeight + 2 * m_dialog.SectionBaseHeight)
-                      << "two rows of sections without items";
-                  EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), E_FAIL);
-                  ASSERT_EQ(m_page.Sections.InnerHtml.size(), 2U);
-                  EXPECT_EQ(m_page.Sections.InnerHtml[1], m_page.Sections.InnerHtml[0]);
-                  EXPECT_EQ(m_dialog.Sections.Count(), sections) << "nothing is there twice";
-                  EXPECT_EQ(m_dialog.WindowHeight, height);
+    Run(Completed(), [&] {
+        const std::int64_t sections = m_dialog.Sections.Count();
+        const std::int64_t height = m_dialog.WindowHeight;
+        EXPECT_EQ(height, m_dialog.BaseHeight + 2 * m_dialog.SectionBaseHeight)
+            << "two rows of sections without items";
+        EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), E_FAIL);
+        ASSERT_EQ(m_page.Sections.InnerHtml.size(), 2U);
+        EXPECT_EQ(m_page.Sections.InnerHtml[1], m_page.Sections.InnerHtml[0]);
+        EXPECT_EQ(m_dialog.Sections.Count(), sections) << "nothing is there twice";
+        EXPECT_EQ(m_dialog.WindowHeight, height);
 
-                  m_installation.DeleteValue(test::Library, L"KORType");
-                  EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), E_FAIL);
-                  EXPECT_EQ(m_dialog.Sections.Count(), sections - 2);
-                  EXPECT_EQ(WindowSize().cy, height - m_dialog.SectionBaseHeight);
-              })});
+        m_installation.DeleteValue(test::LibraryKey, L"KORType");
+        EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), E_FAIL);
+        EXPECT_EQ(m_dialog.Sections.Count(), sections - 2);
+        EXPECT_EQ(WindowSize().cy, height - m_dialog.SectionBaseHeight);
+    });
 }
 
 TEST_F(Host, WithoutTheElementNothingIsFilled) {
     m_page.Document.Sections = nullptr;
     m_dialog.WindowHeight = 12345;
-    HOOK_IMPORT(resize, SetWindowPos, [](HWND, HWND, int, int, int, int, UINT) -> BOOL {
+    HOOK_IMPORT(resize, SetWindowPos, [](auto...) -> BOOL {
         ADD_FAILURE() << "the window keeps its size";
         return TRUE;
     });
-    HOOK_IMPORT(open, RegOpenKeyExW, [](HKEY, LPCWSTR, DWORD, REGSAM, PHKEY) -> LSTATUS {
+    HOOK_IMPORT(open, RegOpenKeyExW, [](auto...) -> LSTATUS {
         ADD_FAILURE() << "the catalogue is not built";
         return ERROR_FILE_NOT_FOUND;
     });
-    RunModal(m_dialog, m_page, {Do([&] { EXPECT_EQ(m_page.Complete(), S_OK); })});
+    Run([&] { EXPECT_EQ(m_page.Complete(), S_OK); });
     EXPECT_EQ(m_dialog.WindowHeight, 12345);
     m_dialog.FillSectionsElement(); // without a document, too
 }
@@ -150,23 +150,23 @@ TEST_F(Host, WithoutTheElementNothingIsFilled) {
 TEST_F(Host, AnElementThatIsThereTwiceIsNone) {
     test::FakeCollection all;
     m_page.Document.All = &all;
-    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
-                                    EXPECT_EQ(all.Asked, std::vector<std::wstring>{L"Sections"});
-                                    EXPECT_EQ(m_page.Sections.InnerHtml.size(), 1U);
-                                    all.HasSeveral = true;
-                                    IHTMLElement* element = nullptr;
-                                    EXPECT_EQ(m_dialog.GetElement(L"Sections", &element), E_FAIL);
-                                    EXPECT_EQ(element, nullptr);
-                                    m_page.Complete();
-                                    EXPECT_EQ(m_page.Sections.InnerHtml.size(), 1U);
-                                })});
+    Run(Completed(), [&] {
+        EXPECT_EQ(all.Asked, std::vector<std::wstring>{L"Sections"});
+        EXPECT_EQ(m_page.Sections.InnerHtml.size(), 1U);
+        all.HasSeveral = true;
+        IHTMLElement* element = nullptr;
+        EXPECT_EQ(m_dialog.GetElement(L"Sections", &element), E_FAIL);
+        EXPECT_EQ(element, nullptr);
+        m_page.Complete();
+        EXPECT_EQ(m_page.Sections.InnerHtml.size(), 1U);
+    });
     EXPECT_EQ(all.References, 0);
 }
 
 TEST_F(Host, AMissingTextForThePageIsAnError) {
     int resizes = 0;
     const auto fail = [&](const std::function<void()>& action) {
-        HOOK_IMPORT(resize, SetWindowPos, [&](HWND, HWND, int, int, int, int, UINT) -> BOOL {
+        HOOK_IMPORT(resize, SetWindowPos, [&](auto...) -> BOOL {
             ++resizes;
             return TRUE;
         });
@@ -175,32 +175,32 @@ TEST_F(Host, AMissingTextForThePageIsAnError) {
         });
         action();
     };
-    RunModal(m_dialog, m_page,
-             {Do([&] {
-                  // Complete itself allocates a text, so the event is fired without one.
-                  fail([&] {
-                      EXPECT_EQ(m_page.Browser.Fire(259, {{}, m_page.Browser.Dispatch()}),
-                                static_cast<HRESULT>(0x8007000E));
-                  });
-              }),
-              Do([&] {
-                  fail([&] {
-                      EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), static_cast<HRESULT>(0x8007000E))
-                          << "the exception ends at the border to COM";
-                  });
-              }),
-              Do([&] {
-                  fail([&] {
-                      HRESULT raised = S_OK;
-                      try {
-                          m_dialog.FillSectionsElement();
-                      } catch (const _com_error& error) {
-                          raised = error.Error();
-                      }
-                      EXPECT_EQ(raised, static_cast<HRESULT>(0x8007000E));
-                  });
-                  EXPECT_EQ(m_page.Sections.References, 0);
-              })});
+    Run(
+        [&] {
+            // Complete itself allocates a text, so the event is fired without one.
+            fail([&] {
+                EXPECT_EQ(m_page.Browser.Fire(259, {{}, VariantOf(m_page.Browser)}),
+                          static_cast<HRESULT>(0x8007000E));
+            });
+        },
+        [&] {
+            fail([&] {
+                EXPECT_EQ(AskHost(WM_KEYUP, VK_F5), static_cast<HRESULT>(0x8007000E))
+                    << "the exception ends at the border to COM";
+            });
+        },
+        [&] {
+            fail([&] {
+                HRESULT raised = S_OK;
+                try {
+                    m_dialog.FillSectionsElement();
+                } catch (const _com_error& error) {
+                    raised = error.Error();
+                }
+                EXPECT_EQ(raised, static_cast<HRESULT>(0x8007000E));
+            });
+            EXPECT_EQ(m_page.Sections.References, 0);
+        });
     EXPECT_TRUE(m_page.Sections.InnerHtml.empty());
     EXPECT_EQ(resizes, 0);
 }
@@ -208,34 +208,34 @@ TEST_F(Host, AMissingTextForThePageIsAnError) {
 TEST_F(Host, WithoutMemoryForThePagesAddressTheDialogIsEmpty) {
     bool ran = false;
     HOOK_IMPORT(allocate, SysAllocString, [](const OLECHAR*) -> BSTR { return nullptr; });
-    RunModal(m_dialog, m_page, {Do([&] { ran = true; })});
+    Run([&] { ran = true; });
     EXPECT_TRUE(ran) << "the exception ends at the border to the window manager";
     EXPECT_TRUE(m_page.Browser.Navigated.empty());
 }
 
 TEST_F(Host, WithoutThePagesAddressTheDialogIsEmpty) {
     bool ran = false;
-    HOOK_IMPORT(name, GetModuleFileNameW, [](HMODULE, LPWSTR, DWORD) -> DWORD { return 0; });
-    RunModal(m_dialog, m_page, {Do([&] { ran = true; })});
+    HOOK_IMPORT(name, GetModuleFileNameW, [](auto...) -> DWORD { return 0; });
+    Run([&] { ran = true; });
     EXPECT_TRUE(ran);
     EXPECT_TRUE(m_page.Browser.Navigated.empty());
 }
 
 TEST_F(Host, TheControlFollowsTheWindow) {
-    RunModal(m_dialog, m_page, {Do([&] {
-                 RECT client = {};
-                 GetClientRect(m_dialog.m_hWnd, &client);
-                 ASSERT_FALSE(m_page.Browser.Rectangles.empty());
-                 EXPECT_TRUE(EqualRect(&m_page.Browser.Rectangles.back(), &client));
-                 SetWindowPos(m_dialog.m_hWnd, nullptr, 0, 0, 900, 950, SWP_NOMOVE | SWP_NOZORDER);
-                 RECT resized = {};
-                 GetClientRect(m_dialog.m_hWnd, &resized);
-                 EXPECT_FALSE(EqualRect(&client, &resized));
-                 EXPECT_TRUE(EqualRect(&m_page.Browser.Rectangles.back(), &resized));
-                 const std::size_t before = m_page.Browser.Rectangles.size();
-                 SendMessageW(m_dialog.m_hWnd, WM_SIZE, SIZE_MINIMIZED, 0);
-                 EXPECT_EQ(m_page.Browser.Rectangles.size(), before);
-             })});
+    Run([&] {
+        RECT client = {};
+        GetClientRect(m_dialog.m_hWnd, &client);
+        ASSERT_FALSE(m_page.Browser.Rectangles.empty());
+        EXPECT_TRUE(EqualRect(&m_page.Browser.Rectangles.back(), &client));
+        SetWindowPos(m_dialog.m_hWnd, nullptr, 0, 0, 900, 950, SWP_NOMOVE | SWP_NOZORDER);
+        RECT resized = {};
+        GetClientRect(m_dialog.m_hWnd, &resized);
+        EXPECT_FALSE(EqualRect(&client, &resized));
+        EXPECT_TRUE(EqualRect(&m_page.Browser.Rectangles.back(), &resized));
+        const std::size_t before = m_page.Browser.Rectangles.size();
+        SendMessageW(m_dialog.m_hWnd, WM_SIZE, SIZE_MINIMIZED, 0);
+        EXPECT_EQ(m_page.Browser.Rectangles.size(), before);
+    });
 }
 
 TEST_F(Host, TheSiteOutlivesTheDialog) {
@@ -272,7 +272,7 @@ TEST_F(Host, WithoutTheControlTheDialogIsEmpty) {
                     return REGDB_E_CLASSNOTREG;
                 });
     bool shown = false;
-    HOOK_IMPORT(get, GetMessageW, [&](MSG* message, HWND, UINT, UINT) -> BOOL {
+    HOOK_IMPORT(get, GetMessageW, [&](MSG* message, auto...) -> BOOL {
         shown = IsWindowVisible(m_dialog.m_hWnd) != FALSE;
         SendMessageW(m_dialog.m_hWnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(100, 100));
         SendMessageW(m_dialog.m_hWnd, WM_COMMAND, IDCANCEL, 0);

@@ -4,19 +4,29 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <utility>
+
 #include "app/CkorcontrolcenterDlg.h"
 #include "tests/app/ModalRun.h"
 #include "tests/support/TestInstallation.h"
 
 namespace test {
 
-inline constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-
 class HostedDialog : public testing::Test {
 protected:
     HostedDialog() {
-        m_installation.SetText(Library, L"KorVersion", L"1");
-        m_installation.SetText(Library, L"KORType", L"Development");
+        m_installation.SetText(test::LibraryKey, L"KorVersion", L"1");
+        m_installation.SetText(test::LibraryKey, L"KORType", L"Development");
+    }
+
+    // The dialog from its start to its end. At each turn of its message loop something is done, or
+    // it gets a message.
+    template <typename... Turns>
+    INT_PTR Run(Turns... turns) {
+        return RunModal(m_dialog, m_page, {Do(std::move(turns))...});
+    }
+    Turn Completed() {
+        return Do([this] { m_page.Complete(); });
     }
 
     // What the document would do with a key.

@@ -7,9 +7,6 @@
 
 namespace {
 
-using test::Do;
-using test::RunModal;
-
 using Input = test::HostedDialog;
 
 TEST_F(Input, EventsOfItemsReachTheirHandlers) {
@@ -24,55 +21,51 @@ TEST_F(Input, EventsOfItemsReachTheirHandlers) {
     const VARIANT argument = test::VariantOf(event);
     constexpr auto MouseOver = static_cast<DISPID>(0x80010008);
     constexpr auto MouseOut = static_cast<DISPID>(0x80010009);
-    RunModal(m_dialog, m_page,
-             {Do([&] { m_page.Complete(); }), Do([&] {
-                  const test::FakeDocument& document = m_page.Document;
-                  EXPECT_EQ(document.Fire(MouseOver, {argument}), S_OK);
-                  ASSERT_EQ(style.Colors.size(), 1U);
-                  EXPECT_EQ(style.Colors[0].lVal, 0xFF0000);
-                  EXPECT_EQ(document.Fire(MouseOut, {argument}), S_OK);
-                  ASSERT_EQ(style.Colors.size(), 2U);
-                  EXPECT_EQ(style.Colors[1].lVal, 0x0000FF);
+    Run(Completed(), [&] {
+        const test::FakeDocument& document = m_page.Document;
+        EXPECT_EQ(document.Fire(MouseOver, {argument}), S_OK);
+        ASSERT_EQ(style.Colors.size(), 1U);
+        EXPECT_EQ(style.Colors[0].lVal, 0xFF0000);
+        EXPECT_EQ(document.Fire(MouseOut, {argument}), S_OK);
+        ASSERT_EQ(style.Colors.size(), 2U);
+        EXPECT_EQ(style.Colors[1].lVal, 0x0000FF);
 
-                  for (const wchar_t* const other : {L"items", L"ite", L"Item", L""}) {
-                      item.ClassName = other;
-                      document.Fire(MouseOver, {argument});
-                  }
-                  item.ClassName = std::nullopt;
-                  document.Fire(MouseOver, {argument});
-                  item.ClassName = L"item";
-                  document.Fire(DISPID_MOUSEMOVE, {argument});
-                  document.Fire(MouseOver, {});
-                  event.Source = nullptr;
-                  document.Fire(MouseOver, {argument});
-                  EXPECT_EQ(style.Colors.size(), 2U) << "of other elements, and other events";
-              })});
+        for (const wchar_t* const other : {L"items", L"ite", L"Item", L""}) {
+            item.ClassName = other;
+            document.Fire(MouseOver, {argument});
+        }
+        item.ClassName = std::nullopt;
+        document.Fire(MouseOver, {argument});
+        item.ClassName = L"item";
+        document.Fire(DISPID_MOUSEMOVE, {argument});
+        document.Fire(MouseOver, {});
+        event.Source = nullptr;
+        document.Fire(MouseOver, {argument});
+        EXPECT_EQ(style.Colors.size(), 2U) << "of other elements, and other events";
+    });
     EXPECT_EQ(item.References, 0);
     EXPECT_EQ(event.References, 0);
 }
 
 TEST_F(Input, AClickOnAnItemStartsIt) {
-    m_installation.SetText(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install", L"installdir",
-                           L"C:\\KorTest\\");
+    m_installation.SetText(test::InstallKey, L"installdir", L"C:\\KorTest\\");
     test::FakeElement item;
     item.ClassName = L"item";
     item.Text = L"text";
     test::FakeEvent event;
     event.Source = &item;
     std::wstring opened;
-    HOOK_IMPORT(execute, ShellExecuteW,
-                [&](HWND, LPCWSTR, LPCWSTR file, LPCWSTR, LPCWSTR, INT) -> HINSTANCE {
-                    opened = file;
-                    return nullptr;
-                });
-    RunModal(m_dialog, m_page, {Do([&] { m_page.Complete(); }), Do([&] {
-                                    auto* const section = new ControlCenterSection(L"mine", L"");
-                                    m_dialog.Sections.Add(section);
-                                    section->Add(new ControlCenterItem(
-                                        section, L"", L"", L"", L"C:\\there", ItemFolder, L""));
-                                    item.Id = L"MINE_0";
-                                    m_page.Document.Fire(DISPID_CLICK, {test::VariantOf(event)});
-                                })});
+    HOOK_IMPORT(execute, ShellExecuteW, [&](HWND, LPCWSTR, LPCWSTR file, auto...) -> HINSTANCE {
+        opened = file;
+        return nullptr;
+    });
+    Run(Completed(), [&] {
+        auto* const section = new ControlCenterSection(L"mine", L"");
+        m_dialog.Sections.Add(section);
+        section->Add(new ControlCenterItem(section, L"", L"", L"", L"C:\\there", ItemFolder, L""));
+        item.Id = L"MINE_0";
+        m_page.Document.Fire(DISPID_CLICK, {test::VariantOf(event)});
+    });
     EXPECT_EQ(opened, L"C:\\there");
 }
 
@@ -86,9 +79,9 @@ TEST_F(Input, KeysGoToTheControlFirst) {
         return 0;
     });
     HOOK_IMPORT(window, CallWindowProcW,
-                [&](WNDPROC procedure, HWND of, UINT message, WPARAM wParam, LPARAM lParam) {
+                [&](WNDPROC procedure, HWND of, UINT message, auto... rest) {
                     dispatched += message >= WM_KEYFIRST && message <= WM_KEYLAST ? 1 : 0;
-                    return window.Original(procedure, of, message, wParam, lParam);
+                    return window.Original(procedure, of, message, rest...);
                 });
     const auto post = [&](UINT message, HRESULT then, WPARAM key = 'A') {
         return [&, message, then, key] {
@@ -100,20 +93,20 @@ TEST_F(Input, KeysGoToTheControlFirst) {
             return posted;
         };
     };
-    RunModal(m_dialog, m_page,
-             {post(WM_KEYDOWN, S_OK), Do([&] { EXPECT_EQ(dispatched, 0) << "it was used up"; }),
-              post(WM_KEYUP, S_FALSE, VK_F5), Do([&] { EXPECT_EQ(dispatched, 1) << "it was not"; }),
-              post(WM_MOUSEMOVE, S_OK), post(WM_TIMER, S_OK), post(WM_SYSKEYUP, S_OK), Do([&] {
-                  EXPECT_EQ(m_page.Browser.Keys,
-                            (std::vector<UINT>{WM_KEYDOWN, WM_KEYUP, WM_SYSKEYUP}));
-              }),
-              [] {
-                  MSG elsewhere = {};
-                  elsewhere.message = WM_KEYDOWN;
-                  elsewhere.hwnd = GetDesktopWindow();
-                  return elsewhere;
-              },
-              Do([&] { EXPECT_EQ(m_page.Browser.Keys.size(), 3U); })});
+    Run(
+        post(WM_KEYDOWN, S_OK), [&] { EXPECT_EQ(dispatched, 0) << "it was used up"; },
+        post(WM_KEYUP, S_FALSE, VK_F5), [&] { EXPECT_EQ(dispatched, 1) << "it was not"; },
+        post(WM_MOUSEMOVE, S_OK), post(WM_TIMER, S_OK), post(WM_SYSKEYUP, S_OK),
+        [&] {
+            EXPECT_EQ(m_page.Browser.Keys, (std::vector<UINT>{WM_KEYDOWN, WM_KEYUP, WM_SYSKEYUP}));
+        },
+        [] {
+            MSG elsewhere = {};
+            elsewhere.message = WM_KEYDOWN;
+            elsewhere.hwnd = GetDesktopWindow();
+            return elsewhere;
+        },
+        [&] { EXPECT_EQ(m_page.Browser.Keys.size(), 3U); });
 }
 
 // The keys go from the queue to the control and from there to its host, as they do with a page that
@@ -124,12 +117,12 @@ TEST_F(Input, AltF4EndsThroughTheQuitMessage) {
     m_page.Browser.OnKey = [&](const MSG* key) { return AskHost(key->message, key->wParam); };
     std::vector<UINT> seen;
     HOOK_IMPORT(window, CallWindowProcW,
-                [&](WNDPROC procedure, HWND of, UINT message, WPARAM wParam, LPARAM lParam) {
+                [&](WNDPROC procedure, HWND of, UINT message, auto... rest) {
                     if ((message >= WM_KEYFIRST && message <= WM_KEYLAST) ||
                         message == WM_SYSCOMMAND || message == WM_CLOSE || message == WM_COMMAND) {
                         seen.push_back(message);
                     }
-                    return window.Original(procedure, of, message, wParam, lParam);
+                    return window.Original(procedure, of, message, rest...);
                 });
     HOOK_IMPORT(create, CoCreateInstance,
                 [&](REFCLSID, IUnknown*, DWORD, REFIID iid, void** object) {
@@ -155,23 +148,22 @@ TEST_F(Input, TheWindowsMessagesReachTheDialog) {
     int painted = 0;
     bool isIconic = false;
     HOOK_IMPORT(iconic, IsIconic, [&](HWND) -> BOOL { return isIconic ? TRUE : FALSE; });
-    HOOK_IMPORT(draw, DrawIcon, [&](HDC, int, int, HICON) -> BOOL {
+    HOOK_IMPORT(draw, DrawIcon, [&](auto...) -> BOOL {
         ++painted;
         return TRUE;
     });
-    RunModal(m_dialog, m_page, {Do([&] {
-                 isIconic = true;
-                 InvalidateRect(m_dialog.m_hWnd, nullptr, FALSE);
-                 SendMessageW(m_dialog.m_hWnd, WM_PAINT, 0, 0);
-                 isIconic = false;
-                 MINMAXINFO info = {};
-                 m_dialog.WindowWidth = 321;
-                 m_dialog.WindowHeight = 123;
-                 SendMessageW(m_dialog.m_hWnd, WM_GETMINMAXINFO, 0,
-                              reinterpret_cast<LPARAM>(&info));
-                 EXPECT_EQ(info.ptMinTrackSize.x, 321);
-                 EXPECT_EQ(info.ptMinTrackSize.y, 123);
-             })});
+    Run([&] {
+        isIconic = true;
+        InvalidateRect(m_dialog.m_hWnd, nullptr, FALSE);
+        SendMessageW(m_dialog.m_hWnd, WM_PAINT, 0, 0);
+        isIconic = false;
+        MINMAXINFO info = {};
+        m_dialog.WindowWidth = 321;
+        m_dialog.WindowHeight = 123;
+        SendMessageW(m_dialog.m_hWnd, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
+        EXPECT_EQ(info.ptMinTrackSize.x, 321);
+        EXPECT_EQ(info.ptMinTrackSize.y, 123);
+    });
     EXPECT_EQ(painted, 1);
 }
 

@@ -54,12 +54,11 @@ protected:
         element.Text = text;
         std::wstring opened;
         int count = 0;
-        HOOK_IMPORT(execute, ShellExecuteW,
-                    [&](HWND, LPCWSTR, LPCWSTR file, LPCWSTR, LPCWSTR, INT) -> HINSTANCE {
-                        ++count;
-                        opened = file;
-                        return nullptr;
-                    });
+        HOOK_IMPORT(execute, ShellExecuteW, [&](HWND, LPCWSTR, LPCWSTR file, auto...) -> HINSTANCE {
+            ++count;
+            opened = file;
+            return nullptr;
+        });
         EXPECT_EQ(m_dialog.OnItemClick(element.Element()), S_OK);
         EXPECT_EQ(count, opened.empty() ? 0 : 1);
         return opened;
@@ -281,11 +280,10 @@ TEST_F(ItemActivation, TheTextsAreAskedForInOrderAndFreedAfterTheLaunch) {
         }
         free.Original(text);
     });
-    HOOK_IMPORT(execute, ShellExecuteW,
-                [&](HWND, LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR, INT) -> HINSTANCE {
-                    log.emplace_back("launch");
-                    return nullptr;
-                });
+    HOOK_IMPORT(execute, ShellExecuteW, [&](auto...) -> HINSTANCE {
+        log.emplace_back("launch");
+        return nullptr;
+    });
     test::FakeElement element;
     element.Id = L"K_0";
     element.Text = L"text";
@@ -314,7 +312,7 @@ TEST_F(ItemActivation, PathAndArgumentsOutliveTheCatalogue) {
             return TRUE;
         });
         HOOK_IMPORT(open, ShellExecuteW,
-                    [&](HWND, LPCWSTR, LPCWSTR what, LPCWSTR with, LPCWSTR, INT) -> HINSTANCE {
+                    [&](HWND, LPCWSTR, LPCWSTR what, LPCWSTR with, auto...) -> HINSTANCE {
                         m_dialog.BuildSections();
                         file = what;
                         parameters = with != nullptr ? with : L"";
@@ -345,7 +343,7 @@ TEST_F(ItemActivation, AClickPassesPathArgumentsAndType) {
     item.Arguments = L"::/topic.htm";
     std::wstring parameters;
     HOOK_IMPORT(execute, ShellExecuteW,
-                [&](HWND, LPCWSTR, LPCWSTR, LPCWSTR given, LPCWSTR, INT) -> HINSTANCE {
+                [&](HWND, LPCWSTR, LPCWSTR, LPCWSTR given, auto...) -> HINSTANCE {
                     parameters = given;
                     return nullptr;
                 });

@@ -7,6 +7,9 @@
 #include <objbase.h>
 
 #include <functional>
+#include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "mfc/afxwin.h"
@@ -57,11 +60,17 @@ struct FakePage {
 // What happens at one turn of the message loop: the message that it gets.
 using Turn = std::function<MSG()>;
 
-inline Turn Do(std::function<void()> action) {
-    return [action = std::move(action)] {
-        action();
-        return MSG{};
-    };
+// Of something that returns no message, an empty one.
+template <typename Action>
+Turn Do(Action action) {
+    if constexpr (std::is_void_v<decltype(action())>) {
+        return [action = std::move(action)] {
+            action();
+            return MSG{};
+        };
+    } else {
+        return action;
+    }
 }
 
 // The quit message comes after the last turn.
@@ -76,7 +85,7 @@ inline INT_PTR RunModal(FakePage& page, const std::vector<Turn>& turns,
                     return page.Browser.Query(iid, object);
                 });
     std::size_t turn = 0;
-    HOOK_IMPORT(get, GetMessageW, [&](MSG* message, HWND, UINT, UINT) -> BOOL {
+    HOOK_IMPORT(get, GetMessageW, [&](MSG* message, auto...) -> BOOL {
         if (turn < turns.size()) {
             *message = turns[turn++]();
             return TRUE;

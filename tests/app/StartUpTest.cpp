@@ -64,9 +64,9 @@ TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
         Record("icon");
         return icon.Original(module, name);
     });
-    HOOK_IMPORT(area, SystemParametersInfoW, [&](UINT what, UINT w, PVOID out, UINT flags) {
+    HOOK_IMPORT(area, SystemParametersInfoW, [&](UINT what, auto... rest) {
         Record("parameter " + std::to_string(what));
-        return area.Original(what, w, out, flags);
+        return area.Original(what, rest...);
     });
     HOOK_IMPORT(metrics, GetSystemMetrics, [&](int index) {
         Record("metric " + std::to_string(index));
@@ -76,18 +76,17 @@ TEST_F(StartUp, GoesInItsOrderAndEndsWithTheDialog) {
         Record("screen");
         return context.Original(window);
     });
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR path, DWORD options, REGSAM rights, PHKEY key) {
-                    Record("registry");
-                    return open.Original(root, path, options, rights, key);
-                });
+    HOOK_IMPORT(open, RegOpenKeyExW, [&](auto... all) {
+        Record("registry");
+        return open.Original(all...);
+    });
     HOOK_IMPORT(create, CreateDialogParamW,
-                [&](HINSTANCE module, LPCWSTR name, HWND parent, DLGPROC procedure, LPARAM param) {
+                [&](HINSTANCE module, LPCWSTR name, HWND parent, auto... rest) {
                     EXPECT_EQ(name, MAKEINTRESOURCEW(102));
                     EXPECT_EQ(parent, nullptr);
                     EXPECT_NE(theApp.m_pMainWnd, nullptr);
                     Record("dialog");
-                    return create.Original(module, name, parent, procedure, param);
+                    return create.Original(module, name, parent, rest...);
                 });
     bool ran = false;
     const INT_PTR result =
@@ -152,8 +151,7 @@ TEST_F(StartUp, ClosingTheDialogEndsTheProgramWithCode0) {
 }
 
 TEST_F(StartUp, WithoutAWindowItEndsToo) {
-    HOOK_IMPORT(create, CreateDialogParamW,
-                [](HINSTANCE, LPCWSTR, HWND, DLGPROC, LPARAM) -> HWND { return nullptr; });
+    HOOK_IMPORT(create, CreateDialogParamW, [](auto...) -> HWND { return nullptr; });
     EXPECT_EQ(theApp.InitInstance(), FALSE);
 }
 

@@ -317,73 +317,61 @@ TEST(CTable1D, ReleasesEveryElement) {
 }
 
 // The fatal report, seen through MessageBoxW: its text goes to standard error, where the death
-// tests look for it.
-void PrintFatalReport() {
-    static const auto print = [](HWND, LPCWSTR text, LPCWSTR caption, UINT style) {
+// test looks for it.
+template <typename Action>
+void ExpectFatalReport(Action action) {
+    const auto print = [](HWND, LPCWSTR text, LPCWSTR caption, UINT style) {
         std::fprintf(stderr, "[%ls|%ls|%u]", text, caption, style);
         return IDOK;
     };
-    static HOOK_IMPORT(box, MessageBoxW, print);
+    const auto run = [&] {
+        HOOK_IMPORT(box, MessageBoxW, print);
+        action();
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(1),
+                "\\[Not enough heap memory to process\\.\\|Fatal memory error\\.\\|0\\]");
 }
 
-constexpr char FatalReport[] =
-    "\\[Not enough heap memory to process\\.\\|Fatal memory error\\.\\|0\\]";
-
 TEST(CTable1DDeathTest, ASizeThatOverflowsEndsTheProcess) {
-    EXPECT_EXIT(
-        {
-            PrintFatalReport();
-            Table table;
-            // Eight times this wraps round to 8 bytes.
-            table.SetSize((std::int64_t{1} << 61) + 1, true);
-        },
-        testing::ExitedWithCode(1), FatalReport);
+    ExpectFatalReport([] {
+        Table table;
+        // Eight times this wraps round to 8 bytes.
+        table.SetSize((std::int64_t{1} << 61) + 1, true);
+    });
 }
 
 TEST(CTable1DDeathTest, ARefusedAllocationEndsTheProcess) {
-    EXPECT_EXIT(
-        {
-            PrintFatalReport();
-            Table table;
-            table.Add(1);
-            const test::AllocationFailure failure(1);
-            table.Add(2);
-        },
-        testing::ExitedWithCode(1), FatalReport);
+    ExpectFatalReport([] {
+        Table table;
+        table.Add(1);
+        const test::AllocationFailure failure(1);
+        table.Add(2);
+    });
 }
 
 TEST(CTable1DDeathTest, NothingIsCleanedUpAtThatEnd) {
-    EXPECT_EXIT(
-        {
-            PrintFatalReport();
-            std::atexit([] { std::_Exit(77); });
-            Table table;
-            const test::AllocationFailure failure(1);
-            table.Add(1);
-        },
-        testing::ExitedWithCode(1), FatalReport);
+    ExpectFatalReport([] {
+        std::atexit([] { std::_Exit(77); });
+        Table table;
+        const test::AllocationFailure failure(1);
+        table.Add(1);
+    });
 }
 
 TEST(CTable1DDeathTest, AnotherThreadsTableEndsTheProcessToo) {
-    EXPECT_EXIT(
-        {
-            PrintFatalReport();
-            std::thread([] {
-                Table table;
-                table.SetSize(std::numeric_limits<std::int64_t>::max(), true);
-            }).join();
-        },
-        testing::ExitedWithCode(1), FatalReport);
+    ExpectFatalReport([] {
+        std::thread([] {
+            Table table;
+            table.SetSize(std::numeric_limits<std::int64_t>::max(), true);
+        }).join();
+    });
 }
 
 TEST(CTable1DDeathTest, AnAllocationRefusedToAStringEndsTheProcess) {
-    EXPECT_EXIT(
-        {
-            PrintFatalReport();
-            const test::AllocationFailure failure(1);
-            const CKORString text;
-        },
-        testing::ExitedWithCode(1), FatalReport);
+    ExpectFatalReport([] {
+        const test::AllocationFailure failure(1);
+        const CKORString text;
+    });
 }
 
 } // namespace

@@ -23,7 +23,7 @@ protected:
     }
 
     static bool MayRun(const wchar_t* user) {
-        HOOK_IMPORT(wine, GetProcAddress, [](HMODULE, const char*) -> FARPROC { return nullptr; });
+        HOOK_IMPORT(wine, GetProcAddress, [](auto...) -> FARPROC { return nullptr; });
         HOOK_IMPORT(name, GetUserNameW, [&](wchar_t* buffer, DWORD*) -> BOOL {
             std::wcscpy(buffer, user);
             return TRUE;

@@ -31,7 +31,7 @@ TEST(SystemLibraries, ArePutInForceWhereTheSystemCan) {
 }
 
 TEST(SystemLibraries, AnOldSystemStaysAsItIs) {
-    HOOK_IMPORT(find, GetProcAddress, [](HMODULE, LPCSTR) -> FARPROC { return nullptr; });
+    HOOK_IMPORT(find, GetProcAddress, [](auto...) -> FARPROC { return nullptr; });
     LoadLibrariesFromSystemOnly();
 }
 
@@ -64,12 +64,12 @@ TEST(SystemLibraries, ComeByTheirPathWhereTheSystemDoesNotKnowTheFlag) {
 
 TEST(SystemLibraries, AreNotLookedForWithoutTheSystemsFolder) {
     int asked = 0;
-    HOOK_IMPORT(load, LoadLibraryExW, [&](LPCWSTR, HANDLE, DWORD) -> HMODULE {
+    HOOK_IMPORT(load, LoadLibraryExW, [&](auto...) -> HMODULE {
         ++asked;
         return nullptr;
     });
     for (const UINT length : {0U, 260U, 5000U, 251U}) {
-        HOOK_IMPORT(folder, GetSystemDirectoryW, [&](LPWSTR, UINT) { return length; });
+        HOOK_IMPORT(folder, GetSystemDirectoryW, [&](auto...) { return length; });
         EXPECT_EQ(LoadSystemLibrary(L"some.dll"), nullptr);
     }
     EXPECT_EQ(asked, 4) << "by name only";

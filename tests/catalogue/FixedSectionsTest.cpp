@@ -3,226 +3,192 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <string>
+#include <vector>
+
 #include "tests/catalogue/ExpectedItem.h"
 #include "tests/support/TestInstallation.h"
 
 namespace {
 
-using test::ExpectSection;
-
-enum { Program = 0, Folder = 1, Document = 2, HelpTopic = 4 };
+using test::Document;
+using test::ExpectOneSection;
+using test::Folder;
+using test::HelpTopic;
+using test::Program;
 
 constexpr wchar_t Topic[] =
     L"::/redirect.xhtm#z_KOR_Readme_whatsnew_processing.chm::/whatsnew_processing.htm";
 
-Installation AtTestFolder() {
-    Installation installation;
-    installation.InstallDir = L"C:\\KorTest\\";
-    installation.KorExamplesRoot = L"C:\\KorTest\\Ex";
-    installation.ActiveKorExamplesRoot = L"C:\\KorTest\\AEx";
-    installation.FlowForgeInstallDir = L"C:\\KorTest\\FF\\";
-    return installation;
+// An installation in the tests' folder, of which nothing is there yet.
+class FixedSections : public testing::Test {
+protected:
+    FixedSections() {
+        m_installation.InstallDir = L"C:\\KorTest\\";
+        m_installation.KorExamplesRoot = L"C:\\KorTest\\Ex";
+        m_installation.ActiveKorExamplesRoot = L"C:\\KorTest\\AEx";
+        m_installation.FlowForgeInstallDir = L"C:\\KorTest\\FF\\";
+    }
+
+    test::TestInstallation m_files;
+    Installation m_installation;
+    Catalogue m_sections;
+};
+
+using QuickStartSection = FixedSections;
+using FoldersSection = FixedSections;
+using GeneralToolsSection = FixedSections;
+using ProcessingToolsSection = FixedSections;
+using ActiveKorSection = FixedSections;
+using RtosSection = FixedSections;
+using FlowForgeSection = FixedSections;
+
+TEST_F(QuickStartSection, WithExamples) {
+    m_files.MakeFolder(L"C:\\KorTest\\Ex");
+    BuildQuickStartSection(m_sections, m_installation);
+    ExpectOneSection(m_sections, L"KOR", L"Quick Start", L"C:\\KorTest\\",
+                     {{L"Vantrel Sample Gallery", L"Tools\\SampleGallery.exe", Program, L" /KOR"},
+                      {L"KOR Help", L"KOR\\DOC\\help\\KORHelp.chm", HelpTopic},
+                      {L"KOR Release Notes", L"KOR\\DOC\\help\\KORHelp.chm", HelpTopic, Topic}});
 }
 
-TEST(QuickStartSection, WithExamples) {
-    const test::TestInstallation files;
-    files.MakeFolder(L"C:\\KorTest\\Ex");
-    Catalogue sections;
-    BuildQuickStartSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
-    ExpectSection(
-        *sections[0], L"KOR", L"Quick Start",
-        {{L"Vantrel Sample Gallery", L"C:\\KorTest\\Tools\\SampleGallery.exe", Program, L" /KOR",
-          L"KOR_0"},
-         {L"KOR Help", L"C:\\KorTest\\KOR\\DOC\\help\\KORHelp.chm", HelpTopic, L"", L"KOR_1"},
-         {L"KOR Release Notes", L"C:\\KorTest\\KOR\\DOC\\help\\KORHelp.chm", HelpTopic, Topic,
-          L"KOR_2"}});
-}
-
-TEST(QuickStartSection, WithoutExamplesTheHelpTakesTheFirstId) {
-    const test::TestInstallation files;
+TEST_F(QuickStartSection, WithoutExamplesTheHelpTakesTheFirstId) {
     for (const bool isFile : {false, true}) {
         if (isFile) {
-            files.MakeFile(L"C:\\KorTest\\Ex");
+            m_files.MakeFile(L"C:\\KorTest\\Ex");
         }
         Catalogue sections;
-        BuildQuickStartSection(sections, AtTestFolder());
-        ASSERT_EQ(sections.Count(), 1);
-        ExpectSection(
-            *sections[0], L"KOR", L"Quick Start",
-            {{L"KOR Help", L"C:\\KorTest\\KOR\\DOC\\help\\KORHelp.chm", HelpTopic, L"", L"KOR_0"},
-             {L"KOR Release Notes", L"C:\\KorTest\\KOR\\DOC\\help\\KORHelp.chm", HelpTopic, Topic,
-              L"KOR_1"}});
+        BuildQuickStartSection(sections, m_installation);
+        ExpectOneSection(
+            sections, L"KOR", L"Quick Start", L"C:\\KorTest\\",
+            {{L"KOR Help", L"KOR\\DOC\\help\\KORHelp.chm", HelpTopic},
+             {L"KOR Release Notes", L"KOR\\DOC\\help\\KORHelp.chm", HelpTopic, Topic}});
     }
 }
 
-TEST(QuickStartSection, AnInstallFolderWithoutBackslashIsNotRepaired) {
-    const test::TestInstallation files;
-    files.MakeFolder(L"C:\\KorTest\\Ex");
-    Installation installation = AtTestFolder();
-    installation.InstallDir = L"C:\\Lib";
-    Catalogue sections;
-    BuildQuickStartSection(sections, installation);
-    EXPECT_STREQ((*sections[0])[0]->Path.Text(), L"C:\\LibTools\\SampleGallery.exe");
+TEST_F(QuickStartSection, AnInstallFolderWithoutBackslashIsNotRepaired) {
+    m_files.MakeFolder(L"C:\\KorTest\\Ex");
+    m_installation.InstallDir = L"C:\\Lib";
+    BuildQuickStartSection(m_sections, m_installation);
+    EXPECT_STREQ((*m_sections[0])[0]->Path.Text(), L"C:\\LibTools\\SampleGallery.exe");
 }
 
-TEST(FoldersSection, HasTheLibrarysFolders) {
-    Catalogue sections;
-    BuildFoldersSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
-    ExpectSection(
-        *sections[0], L"FOLDERS", L"Folders",
-        {{L"KOR", L"C:\\KorTest\\KOR", Folder, L"", L"FOLDERS_0"},
-         {L"KOR examples", L"C:\\KorTest\\Ex", Folder, L"", L"FOLDERS_1"},
-         {L"KOR images", L"C:\\KorTest\\Images", Folder, L"", L"FOLDERS_2"},
-         {L"KOR predefined Contexts", L"C:\\KorTest\\contexts", Folder, L"", L"FOLDERS_3"},
-         {L"Corvane DTK directory", L"C:\\KorTest\\Ex/CorvaneDTK", Folder, L"", L"FOLDERS_4"},
-         {L"Sorbel DTK directory", L"C:\\KorTest\\Ex/SorbelDTK", Folder, L"", L"FOLDERS_5"}});
+TEST_F(FoldersSection, HasTheLibrarysFolders) {
+    BuildFoldersSection(m_sections, m_installation);
+    ExpectOneSection(m_sections, L"FOLDERS", L"Folders", L"C:\\KorTest\\",
+                     {{L"KOR", L"KOR", Folder},
+                      {L"KOR examples", L"Ex", Folder},
+                      {L"KOR images", L"Images", Folder},
+                      {L"KOR predefined Contexts", L"contexts", Folder},
+                      {L"Corvane DTK directory", L"Ex/CorvaneDTK", Folder},
+                      {L"Sorbel DTK directory", L"Ex/SorbelDTK", Folder}});
 }
 
-TEST(FoldersSection, WithoutAnExamplesRoot) {
-    Installation installation = AtTestFolder();
-    installation.KorExamplesRoot = L"";
-    Catalogue sections;
-    BuildFoldersSection(sections, installation);
-    const ControlCenterSection& section = *sections[0];
+TEST_F(FoldersSection, WithoutAnExamplesRoot) {
+    m_installation.KorExamplesRoot = L"";
+    BuildFoldersSection(m_sections, m_installation);
+    const ControlCenterSection& section = *m_sections[0];
     EXPECT_STREQ(section[1]->Path.Text(), L"");
     EXPECT_STREQ(section[4]->Path.Text(), L"/CorvaneDTK");
     EXPECT_STREQ(section[5]->Path.Text(), L"/SorbelDTK");
 }
 
-TEST(GeneralToolsSection, WithEverything) {
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\Tools\\TimeScope.exe");
-    files.MakeFile(L"C:\\KorTest\\Tutorial videos\\one.mp4");
-    Catalogue sections;
-    BuildGeneralToolsSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
-    ExpectSection(
-        *sections[0], L"TOOLS", L"General Tools",
-        {{L"KORConfig", L"C:\\KorTest\\Tools\\KorConfig.exe", Program, L"", L"TOOLS_0"},
-         {L"Vantrel Framewright", L"C:\\KorTest\\Framewright\\Framewright.exe", Program, L"",
-          L"TOOLS_1"},
-         {L"Vantrel TimeScope", L"C:\\KorTest\\Tools\\TimeScope.exe", Program, L"", L"TOOLS_2"},
-         {L"Vantrel Grab Studio", L"C:\\KorTest\\Tools\\GrabStudio.exe", Program, L"", L"TOOLS_3"},
-         {L"Tutorials directory", L"C:\\KorTest\\Tutorial videos", Folder, L"", L"TOOLS_4"}});
+TEST_F(GeneralToolsSection, WithEverything) {
+    m_files.MakeFile(L"C:\\KorTest\\Tools\\TimeScope.exe");
+    m_files.MakeFile(L"C:\\KorTest\\Tutorial videos\\one.mp4");
+    BuildGeneralToolsSection(m_sections, m_installation);
+    ExpectOneSection(m_sections, L"TOOLS", L"General Tools", L"C:\\KorTest\\",
+                     {{L"KORConfig", L"Tools\\KorConfig.exe"},
+                      {L"Vantrel Framewright", L"Framewright\\Framewright.exe"},
+                      {L"Vantrel TimeScope", L"Tools\\TimeScope.exe"},
+                      {L"Vantrel Grab Studio", L"Tools\\GrabStudio.exe"},
+                      {L"Tutorials directory", L"Tutorial videos", Folder}});
 }
 
-TEST(GeneralToolsSection, WithNothing) {
-    const test::TestInstallation files;
-    Catalogue sections;
-    BuildGeneralToolsSection(sections, AtTestFolder());
-    ExpectSection(
-        *sections[0], L"TOOLS", L"General Tools",
-        {{L"KORConfig", L"C:\\KorTest\\Tools\\KorConfig.exe", Program, L"", L"TOOLS_0"},
-         {L"Vantrel Framewright", L"C:\\KorTest\\Framewright\\Framewright.exe", Program, L"",
-          L"TOOLS_1"},
-         {L"KORTimeScope", L"C:\\KorTest\\Tools\\TimeScope.exe", Program, L"", L"TOOLS_2"},
-         {L"Vantrel Grab Studio", L"C:\\KorTest\\Tools\\GrabStudio.exe", Program, L"",
-          L"TOOLS_3"}});
+TEST_F(GeneralToolsSection, WithNothing) {
+    BuildGeneralToolsSection(m_sections, m_installation);
+    ExpectOneSection(m_sections, L"TOOLS", L"General Tools", L"C:\\KorTest\\",
+                     {{L"KORConfig", L"Tools\\KorConfig.exe"},
+                      {L"Vantrel Framewright", L"Framewright\\Framewright.exe"},
+                      {L"KORTimeScope", L"Tools\\TimeScope.exe"},
+                      {L"Vantrel Grab Studio", L"Tools\\GrabStudio.exe"}});
 }
 
-TEST(GeneralToolsSection, AFolderInTimeScopesPlaceGetsTheOtherLabel) {
-    const test::TestInstallation files;
-    files.MakeFolder(L"C:\\KorTest\\Tools\\TimeScope.exe");
-    Catalogue sections;
-    BuildGeneralToolsSection(sections, AtTestFolder());
-    EXPECT_STREQ((*sections[0])[2]->Label.Text(), L"KORTimeScope");
+TEST_F(GeneralToolsSection, AFolderInTimeScopesPlaceGetsTheOtherLabel) {
+    m_files.MakeFolder(L"C:\\KorTest\\Tools\\TimeScope.exe");
+    BuildGeneralToolsSection(m_sections, m_installation);
+    EXPECT_STREQ((*m_sections[0])[2]->Label.Text(), L"KORTimeScope");
 }
 
-TEST(GeneralToolsSection, TutorialsNeedAFolderThatHoldsSomething) {
+TEST_F(GeneralToolsSection, TutorialsNeedAFolderThatHoldsSomething) {
     {
         const test::TestInstallation files;
         files.MakeFolder(L"C:\\KorTest\\Tutorial videos");
         Catalogue sections;
-        BuildGeneralToolsSection(sections, AtTestFolder());
+        BuildGeneralToolsSection(sections, m_installation);
         EXPECT_EQ(sections[0]->Count(), 4) << "an empty folder";
     }
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\Tutorial videos");
-    Catalogue sections;
-    BuildGeneralToolsSection(sections, AtTestFolder());
-    EXPECT_EQ(sections[0]->Count(), 4) << "a file of that name";
+    m_files.MakeFile(L"C:\\KorTest\\Tutorial videos");
+    BuildGeneralToolsSection(m_sections, m_installation);
+    EXPECT_EQ(m_sections[0]->Count(), 4) << "a file of that name";
 }
 
-TEST(GeneralToolsSection, WithoutABackslashOnlyTheJoinedRowsFindTheirTargets) {
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\Tools\\TimeScope.exe");
-    files.MakeFile(L"C:\\KorTest\\Tutorial videos\\one.mp4");
-    Installation installation = AtTestFolder();
-    installation.InstallDir = L"C:\\KorTest";
-    Catalogue sections;
-    BuildGeneralToolsSection(sections, installation);
-    ExpectSection(
-        *sections[0], L"TOOLS", L"General Tools",
-        {{L"KORConfig", L"C:\\KorTestTools\\KorConfig.exe", Program, L"", L"TOOLS_0"},
-         {L"Vantrel Framewright", L"C:\\KorTestFramewright\\Framewright.exe", Program, L"",
-          L"TOOLS_1"},
-         {L"Vantrel TimeScope", L"C:\\KorTest\\Tools\\TimeScope.exe", Program, L"", L"TOOLS_2"},
-         {L"Vantrel Grab Studio", L"C:\\KorTestTools\\GrabStudio.exe", Program, L"", L"TOOLS_3"},
-         {L"Tutorials directory", L"C:\\KorTest\\Tutorial videos", Folder, L"", L"TOOLS_4"}});
+TEST_F(GeneralToolsSection, WithoutABackslashOnlyTheJoinedRowsFindTheirTargets) {
+    m_files.MakeFile(L"C:\\KorTest\\Tools\\TimeScope.exe");
+    m_files.MakeFile(L"C:\\KorTest\\Tutorial videos\\one.mp4");
+    m_installation.InstallDir = L"C:\\KorTest";
+    BuildGeneralToolsSection(m_sections, m_installation);
+    ExpectOneSection(m_sections, L"TOOLS", L"General Tools", L"C:\\KorTest",
+                     {{L"KORConfig", L"Tools\\KorConfig.exe"},
+                      {L"Vantrel Framewright", L"Framewright\\Framewright.exe"},
+                      {L"Vantrel TimeScope", L"\\Tools\\TimeScope.exe"},
+                      {L"Vantrel Grab Studio", L"Tools\\GrabStudio.exe"},
+                      {L"Tutorials directory", L"\\Tutorial videos", Folder}});
 }
 
-TEST(ProcessingToolsSection, ListsTheVisionTools) {
-    Catalogue sections;
-    BuildProcessingToolsSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
-    ExpectSection(
-        *sections[0], L"GUI", L"Processing Tools",
-        {{L"KOR Wingman", L"C:\\KorTest\\KOR Wingman/korwingman.exe", Program, L"", L"GUI_0"},
-         {L"Vantrel Symbol Decoder", L"C:\\KorTest\\Tools/SymbolDecoder.exe", Program, L"",
-          L"GUI_1"},
-         {L"Vantrel Hue Survey", L"C:\\KorTest\\Tools/HueSurvey.exe", Program, L"", L"GUI_2"},
-         {L"Vantrel Contour Tracer", L"C:\\KorTest\\Tools/ContourTracer.exe", Program, L"",
-          L"GUI_3"},
-         {L"Vantrel GaugeBench", L"C:\\KorTest\\Tools/GaugeBench.exe", Program, L"", L"GUI_4"},
-         {L"Vantrel Shape Locator", L"C:\\KorTest\\Tools/ShapeLocator.exe", Program, L"", L"GUI_5"},
-         {L"Vantrel Glyph Scanner", L"C:\\KorTest\\Tools/GlyphScanner.exe", Program, L"", L"GUI_6"},
-         {L"Vantrel Text Spotter", L"C:\\KorTest\\Tools/TextSpotter.exe", Program, L"", L"GUI_7"},
-         {L"Vantrel Lookout", L"C:\\KorTest\\Lookout/Lkout32.exe", Program, L"", L"GUI_8"}});
+TEST_F(ProcessingToolsSection, ListsTheVisionTools) {
+    BuildProcessingToolsSection(m_sections, m_installation);
+    ExpectOneSection(m_sections, L"GUI", L"Processing Tools", L"C:\\KorTest\\",
+                     {{L"KOR Wingman", L"KOR Wingman/korwingman.exe"},
+                      {L"Vantrel Symbol Decoder", L"Tools/SymbolDecoder.exe"},
+                      {L"Vantrel Hue Survey", L"Tools/HueSurvey.exe"},
+                      {L"Vantrel Contour Tracer", L"Tools/ContourTracer.exe"},
+                      {L"Vantrel GaugeBench", L"Tools/GaugeBench.exe"},
+                      {L"Vantrel Shape Locator", L"Tools/ShapeLocator.exe"},
+                      {L"Vantrel Glyph Scanner", L"Tools/GlyphScanner.exe"},
+                      {L"Vantrel Text Spotter", L"Tools/TextSpotter.exe"},
+                      {L"Vantrel Lookout", L"Lookout/Lkout32.exe"}});
 }
 
-TEST(ActiveKorSection, WithExamples) {
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
-    files.MakeFolder(L"C:\\KorTest\\AEx");
-    Catalogue sections;
-    BuildActiveKorSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
-    ExpectSection(
-        *sections[0], L"ACTIVEKOR", L"ActiveKOR",
-        {{L"Sample Gallery", L"C:\\KorTest\\Tools/SampleGallery.exe", Program, L" /ActiveKOR",
-          L"ACTIVEKOR_0"},
-         {L"ActiveKOR Help file", L"C:\\KorTest\\ActiveKOR/Help/ActiveKORHelp.chm", Document, L"",
-          L"ACTIVEKOR_1"},
-         {L"ActiveKOR directory", L"C:\\KorTest\\ActiveKOR", Folder, L"", L"ACTIVEKOR_2"},
-         {L"ActiveKOR examples directory", L"C:\\KorTest\\AEx", Folder, L"", L"ACTIVEKOR_3"},
-         {L"Debugging session demo", L"C:\\KorTest\\ActiveKOR/Demos/AKORDebug.exe", Program, L"",
-          L"ACTIVEKOR_4"},
-         {L"Processing session demo", L"C:\\KorTest\\ActiveKOR/Demos/AKORGMFProject.exe", Program,
-          L"", L"ACTIVEKOR_5"},
-         {L"Read me file", L"C:\\KorTest\\ActiveKOR/ReadMe.html", Document, L"", L"ACTIVEKOR_6"}});
+TEST_F(ActiveKorSection, WithExamples) {
+    m_files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
+    m_files.MakeFolder(L"C:\\KorTest\\AEx");
+    BuildActiveKorSection(m_sections, m_installation);
+    ExpectOneSection(m_sections, L"ACTIVEKOR", L"ActiveKOR", L"C:\\KorTest\\",
+                     {{L"Sample Gallery", L"Tools/SampleGallery.exe", Program, L" /ActiveKOR"},
+                      {L"ActiveKOR Help file", L"ActiveKOR/Help/ActiveKORHelp.chm", Document},
+                      {L"ActiveKOR directory", L"ActiveKOR", Folder},
+                      {L"ActiveKOR examples directory", L"AEx", Folder},
+                      {L"Debugging session demo", L"ActiveKOR/Demos/AKORDebug.exe"},
+                      {L"Processing session demo", L"ActiveKOR/Demos/AKORGMFProject.exe"},
+                      {L"Read me file", L"ActiveKOR/ReadMe.html", Document}});
 }
 
-TEST(ActiveKorSection, WithoutExamplesItHoldsSixItems) {
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
-    Catalogue sections;
-    BuildActiveKorSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
-    ASSERT_EQ(sections[0]->Count(), 6);
-    EXPECT_STREQ((*sections[0])[0]->Label.Text(), L"ActiveKOR Help file");
-    EXPECT_STREQ((*sections[0])[0]->Id.Text(), L"ACTIVEKOR_0");
+TEST_F(ActiveKorSection, WithoutExamplesItHoldsSixItems) {
+    m_files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
+    BuildActiveKorSection(m_sections, m_installation);
+    ASSERT_EQ(m_sections.Count(), 1);
+    ASSERT_EQ(m_sections[0]->Count(), 6);
+    EXPECT_STREQ((*m_sections[0])[0]->Label.Text(), L"ActiveKOR Help file");
+    EXPECT_STREQ((*m_sections[0])[0]->Id.Text(), L"ACTIVEKOR_0");
 }
 
-TEST(ActiveKorSection, OfNothingButItsControlFileTheDirectoryIsShown) {
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
-    Catalogue sections;
-    BuildActiveKorSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
+TEST_F(ActiveKorSection, OfNothingButItsControlFileTheDirectoryIsShown) {
+    m_files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
+    BuildActiveKorSection(m_sections, m_installation);
+    ASSERT_EQ(m_sections.Count(), 1);
     std::vector<std::wstring> shown;
-    for (const ControlCenterItem* const item : *sections[0]) {
+    for (const ControlCenterItem* const item : *m_sections[0]) {
         if (item->IsShown()) {
             shown.emplace_back(item->Label.Text());
         }
@@ -231,66 +197,48 @@ TEST(ActiveKorSection, OfNothingButItsControlFileTheDirectoryIsShown) {
         << "the control file's own folder exists";
 }
 
-TEST(ActiveKorSection, NeedsTheControlFile) {
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Help\\ActiveKORHelp.chm");
-    Catalogue sections;
-    BuildActiveKorSection(sections, AtTestFolder());
-    EXPECT_EQ(sections.Count(), 0);
+TEST_F(ActiveKorSection, NeedsTheControlFile) {
+    m_files.MakeFile(L"C:\\KorTest\\ActiveKOR\\Help\\ActiveKORHelp.chm");
+    BuildActiveKorSection(m_sections, m_installation);
+    EXPECT_EQ(m_sections.Count(), 0);
 }
 
-TEST(RtosSection, NeedsTheKeyOnly) {
-    const test::TestInstallation installed;
-    installed.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
-    Catalogue sections;
-    BuildRtosSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
-    ExpectSection(*sections[0], L"RT", L"KOR for RTOS",
-                  {{L"KORConfig for RTOS", L"C:\\KorTest\\Tools/KorConfig.exe", Program,
-                    L"-rtxmode", L"RT_0"},
-                   {L"KOR RTOS Examples", L"C:\\KorTest\\Ex\\KORRTOS", Folder, L"", L"RT_1"}});
+TEST_F(RtosSection, NeedsTheKeyOnly) {
+    m_files.MakeKey(test::LibraryKey + L"\\RTX");
+    BuildRtosSection(m_sections, m_installation);
+    ExpectOneSection(m_sections, L"RT", L"KOR for RTOS", L"C:\\KorTest\\",
+                     {{L"KORConfig for RTOS", L"Tools/KorConfig.exe", Program, L"-rtxmode"},
+                      {L"KOR RTOS Examples", L"Ex\\KORRTOS", Folder}});
 }
 
-TEST(RtosSection, WithoutAnExamplesRootTheTargetIsRelative) {
-    const test::TestInstallation installed;
-    installed.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
-    Installation installation = AtTestFolder();
-    installation.KorExamplesRoot = L"";
-    Catalogue sections;
-    BuildRtosSection(sections, installation);
-    EXPECT_STREQ((*sections[0])[1]->Path.Text(), L"KORRTOS");
+TEST_F(RtosSection, WithoutAnExamplesRootTheTargetIsRelative) {
+    m_files.MakeKey(test::LibraryKey + L"\\RTX");
+    m_installation.KorExamplesRoot = L"";
+    BuildRtosSection(m_sections, m_installation);
+    EXPECT_STREQ((*m_sections[0])[1]->Path.Text(), L"KORRTOS");
 }
 
-TEST(RtosSection, WithoutTheKeyThereIsNoSection) {
-    const test::TestInstallation installed;
-    installed.MakeFile(L"C:\\KorTest\\Tools\\KorConfig.exe");
-    Catalogue sections;
-    BuildRtosSection(sections, AtTestFolder());
-    EXPECT_EQ(sections.Count(), 0);
+TEST_F(RtosSection, WithoutTheKeyThereIsNoSection) {
+    m_files.MakeFile(L"C:\\KorTest\\Tools\\KorConfig.exe");
+    BuildRtosSection(m_sections, m_installation);
+    EXPECT_EQ(m_sections.Count(), 0);
 }
 
-TEST(FlowForgeSection, ListsTheSingleInstallation) {
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
-    Catalogue sections;
-    BuildFlowForgeSection(sections, AtTestFolder());
-    ASSERT_EQ(sections.Count(), 1);
-    ExpectSection(
-        *sections[0], L"FLOWFORGE", L"Flow Forge",
-        {{L"Vantrel Flow Forge", L"C:\\KorTest\\FF\\FlowForge.exe", Program, L"", L"FLOWFORGE_0"},
-         {L"Vantrel Flow Forge Help file", L"C:\\KorTest\\FF\\Documentation/FlowForgeUserGuide.chm",
-          Document, L"", L"FLOWFORGE_1"},
+TEST_F(FlowForgeSection, ListsTheSingleInstallation) {
+    m_files.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
+    BuildFlowForgeSection(m_sections, m_installation);
+    ExpectOneSection(
+        m_sections, L"FLOWFORGE", L"Flow Forge", L"C:\\KorTest\\FF\\",
+        {{L"Vantrel Flow Forge", L"FlowForge.exe"},
+         {L"Vantrel Flow Forge Help file", L"Documentation/FlowForgeUserGuide.chm", Document},
          {L"Vantrel Orvex 40 Installation and Technical Reference",
-          L"C:\\KorTest\\FF\\/Documentation/Orvex40_FF_TechRef.pdf", Document, L"", L"FLOWFORGE_2"},
-         {L"List of tutorials", L"C:\\KorTest\\FF\\/StartPage/Tutorials.html", Document, L"",
-          L"FLOWFORGE_3"}});
+          L"/Documentation/Orvex40_FF_TechRef.pdf", Document},
+         {L"List of tutorials", L"/StartPage/Tutorials.html", Document}});
 }
 
-TEST(FlowForgeSection, NeedsTheProgram) {
-    const test::TestInstallation files;
-    Catalogue sections;
-    BuildFlowForgeSection(sections, AtTestFolder());
-    EXPECT_EQ(sections.Count(), 0);
+TEST_F(FlowForgeSection, NeedsTheProgram) {
+    BuildFlowForgeSection(m_sections, m_installation);
+    EXPECT_EQ(m_sections.Count(), 0);
 }
 
 // The process's current folder while it lives.
@@ -308,17 +256,14 @@ private:
     wchar_t m_previous[MAX_PATH] = {};
 };
 
-TEST(FlowForgeSection, WithoutAFolderThereIsNoneWhateverTheCurrentFolderHolds) {
-    const test::TestInstallation files;
-    files.MakeFile(L"C:\\KorTest\\FlowForge.exe");
+TEST_F(FlowForgeSection, WithoutAFolderThereIsNoneWhateverTheCurrentFolderHolds) {
+    m_files.MakeFile(L"C:\\KorTest\\FlowForge.exe");
     const CurrentFolder current(L"C:\\KorTest");
-    Installation installation = AtTestFolder();
-    installation.FlowForgeInstallDir = L"";
-    Catalogue sections;
-    BuildFlowForgeSection(sections, installation);
-    EXPECT_EQ(sections.Count(), 0);
-    ASSERT_EQ(sections.Omissions.Count(), 1);
-    EXPECT_STREQ(sections.Omissions[0].Path.Text(), L"") << "nothing was looked for";
+    m_installation.FlowForgeInstallDir = L"";
+    BuildFlowForgeSection(m_sections, m_installation);
+    EXPECT_EQ(m_sections.Count(), 0);
+    ASSERT_EQ(m_sections.Omissions.Count(), 1);
+    EXPECT_STREQ(m_sections.Omissions[0].Path.Text(), L"") << "nothing was looked for";
 }
 
 } // namespace

@@ -13,12 +13,13 @@
 
 namespace {
 
+using test::Document;
+using test::ExpectOneSection;
 using test::ExpectSection;
+using test::Folder;
 
-enum { Program = 0, Folder = 1, Document = 2 };
-
-const std::wstring Versions64 = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
-const std::wstring Versions32 = L"Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
+const std::wstring Versions64 = test::VersionsKey + L"\\";
+const std::wstring Versions32 = L"Wow6432Node\\" + Versions64;
 
 // What an installed version may have besides its registry key and the value there.
 enum Has : unsigned { Nothing = 0, Product = 1, Tools = 2, Manager = 4, KeyOnly = 8 };
@@ -79,8 +80,7 @@ std::vector<std::wstring> Sorted(std::vector<std::wstring> texts) {
 // The pass over the names in this order, whatever the registry's own is.
 void BuildListed(const std::vector<std::wstring>& names, Catalogue& sections) {
     HOOK_IMPORT(enumerate, RegEnumKeyExW,
-                [&](HKEY, DWORD index, LPWSTR name, LPDWORD length, LPDWORD, LPWSTR, LPDWORD,
-                    PFILETIME) -> LSTATUS {
+                [&](HKEY, DWORD index, LPWSTR name, LPDWORD length, auto...) -> LSTATUS {
                     if (index >= names.size()) {
                         return ERROR_NO_MORE_ITEMS;
                     }
@@ -92,96 +92,76 @@ void BuildListed(const std::vector<std::wstring>& names, Catalogue& sections) {
     BuildFlowForgeVersionsSection(sections, false);
 }
 
-TEST(FlowForgeVersions, TwoVersionsShareTheNewestManager) {
-    const test::TestInstallation installed;
-    Install(installed, L"2.1", Product | Manager);
-    Install(installed, L"3.0", Product | Manager);
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    ASSERT_EQ(sections.Count(), 2);
+class FlowForgeVersions : public testing::Test {
+protected:
+    test::TestInstallation m_installed;
+    Catalogue m_sections;
+};
+
+TEST_F(FlowForgeVersions, TwoVersionsShareTheNewestManager) {
+    Install(m_installed, L"2.1", Product | Manager);
+    Install(m_installed, L"3.0", Product | Manager);
+    BuildFlowForgeVersionsSection(m_sections, false);
+    ASSERT_EQ(m_sections.Count(), 2);
     ExpectSection(
-        *sections[0], L"FLOWFORGE-2.1", L"Flow Forge 2.1",
-        {{L"Vantrel Flow Forge", L"C:\\KorTest\\2.1\\FlowForge.exe", Program, L"",
-          L"FLOWFORGE-2.1_0"},
+        *m_sections[0], L"FLOWFORGE-2.1", L"Flow Forge 2.1", L"C:\\KorTest\\",
+        {{L"Vantrel Flow Forge", L"2.1\\FlowForge.exe"},
          {L"Velnora utility",
-          L"C:\\KorTest\\2.1\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/"
-          L"Velnora.exe",
-          Program, L"", L"FLOWFORGE-2.1_1"},
-         {L"Vantrel Flow Forge Help file",
-          L"C:\\KorTest\\2.1\\Documentation/FlowForgeUserGuide.chm", Document, L"",
-          L"FLOWFORGE-2.1_2"},
-         {L"Flow Forge Documentation", L"C:\\KorTest\\2.1\\/Documentation", Folder, L"",
-          L"FLOWFORGE-2.1_3"},
-         {L"Flow Forge Tools", L"C:\\KorTest\\2.1\\/Tools", Folder, L"", L"FLOWFORGE-2.1_4"},
-         {L"Flow Forge Runtime Manager", L"C:\\KorTest\\3.0/Tools/FlowForgeRuntimeManager.exe",
-          Program, L"", L"FLOWFORGE-2.1_5"}});
+          L"2.1\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/Velnora.exe"},
+         {L"Vantrel Flow Forge Help file", L"2.1\\Documentation/FlowForgeUserGuide.chm", Document},
+         {L"Flow Forge Documentation", L"2.1\\/Documentation", Folder},
+         {L"Flow Forge Tools", L"2.1\\/Tools", Folder},
+         {L"Flow Forge Runtime Manager", L"3.0/Tools/FlowForgeRuntimeManager.exe"}});
     ExpectSection(
-        *sections[1], L"FLOWFORGE-3.0", L"Flow Forge 3.0",
-        {{L"Vantrel Flow Forge", L"C:\\KorTest\\3.0\\FlowForge.exe", Program, L"",
-          L"FLOWFORGE-3.0_0"},
+        *m_sections[1], L"FLOWFORGE-3.0", L"Flow Forge 3.0", L"C:\\KorTest\\",
+        {{L"Vantrel Flow Forge", L"3.0\\FlowForge.exe"},
          {L"Velnora utility",
-          L"C:\\KorTest\\3.0\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/"
-          L"Velnora.exe",
-          Program, L"", L"FLOWFORGE-3.0_1"},
-         {L"Vantrel Flow Forge User Guide", L"C:\\KorTest\\3.0\\Documentation/FlowForgeHelp.chm",
-          Document, L"", L"FLOWFORGE-3.0_2"},
-         {L"Flow Forge Documentation", L"C:\\KorTest\\3.0\\/Documentation", Folder, L"",
-          L"FLOWFORGE-3.0_3"},
-         {L"Flow Forge Tools", L"C:\\KorTest\\3.0\\/Tools", Folder, L"", L"FLOWFORGE-3.0_4"},
-         {L"Flow Forge Runtime Manager", L"C:\\KorTest\\3.0/Tools/FlowForgeRuntimeManager.exe",
-          Program, L"", L"FLOWFORGE-3.0_5"}});
+          L"3.0\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/Velnora.exe"},
+         {L"Vantrel Flow Forge User Guide", L"3.0\\Documentation/FlowForgeHelp.chm", Document},
+         {L"Flow Forge Documentation", L"3.0\\/Documentation", Folder},
+         {L"Flow Forge Tools", L"3.0\\/Tools", Folder},
+         {L"Flow Forge Runtime Manager", L"3.0/Tools/FlowForgeRuntimeManager.exe"}});
 }
 
-TEST(FlowForgeVersions, TheExamplesFolderIsTheVersionsOwnWhenItHasOne) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.1", Product);
-    installed.SetText(Versions64 + L"3.1", L"ExamplesPath", L"C:\\KorTest\\Examples\\");
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    ASSERT_EQ(sections.Count(), 1);
-    EXPECT_STREQ((*sections[0])[1]->Path.Text(),
+TEST_F(FlowForgeVersions, TheExamplesFolderIsTheVersionsOwnWhenItHasOne) {
+    Install(m_installed, L"3.1", Product);
+    m_installed.SetText(Versions64 + L"3.1", L"ExamplesPath", L"C:\\KorTest\\Examples\\");
+    BuildFlowForgeVersionsSection(m_sections, false);
+    ASSERT_EQ(m_sections.Count(), 1);
+    EXPECT_STREQ((*m_sections[0])[1]->Path.Text(),
                  L"C:\\KorTest\\Examples\\\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/"
                  L"Release/Velnora.exe")
         << "a backslash is added also behind one";
 }
 
-TEST(FlowForgeVersions, AnInstallFolderThatEndsInABackslashGetsAnotherOne) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.1", Product);
-    installed.SetText(Versions64 + L"3.1", L"InstallationPath", L"C:\\KorTest\\3.1\\");
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    ASSERT_EQ(sections.Count(), 1);
-    EXPECT_STREQ((*sections[0])[0]->Path.Text(), L"C:\\KorTest\\3.1\\\\FlowForge.exe");
+TEST_F(FlowForgeVersions, AnInstallFolderThatEndsInABackslashGetsAnotherOne) {
+    Install(m_installed, L"3.1", Product);
+    m_installed.SetText(Versions64 + L"3.1", L"InstallationPath", L"C:\\KorTest\\3.1\\");
+    BuildFlowForgeVersionsSection(m_sections, false);
+    ASSERT_EQ(m_sections.Count(), 1);
+    EXPECT_STREQ((*m_sections[0])[0]->Path.Text(), L"C:\\KorTest\\3.1\\\\FlowForge.exe");
 }
 
-TEST(FlowForgeVersions, ToolsAloneGiveASectionWithTheManagerOnly) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.1", Tools);
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    ASSERT_EQ(sections.Count(), 1);
-    ExpectSection(*sections[0], L"FLOWFORGE-3.1", L"Flow Forge 3.1",
-                  {{L"Flow Forge Runtime Manager", L"", Program, L"", L"FLOWFORGE-3.1_0"}});
+TEST_F(FlowForgeVersions, ToolsAloneGiveASectionWithTheManagerOnly) {
+    Install(m_installed, L"3.1", Tools);
+    BuildFlowForgeVersionsSection(m_sections, false);
+    ExpectOneSection(m_sections, L"FLOWFORGE-3.1", L"Flow Forge 3.1", L"",
+                     {{L"Flow Forge Runtime Manager", L""}});
 }
 
-TEST(FlowForgeVersions, AFileNamedToolsCountsLikeTheFolder) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.1", Nothing);
-    installed.MakeFile(FolderOf(L"3.1") + L"\\Tools");
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    ASSERT_EQ(sections.Count(), 1);
-    EXPECT_EQ(sections[0]->Count(), 1) << "the manager only";
+TEST_F(FlowForgeVersions, AFileNamedToolsCountsLikeTheFolder) {
+    Install(m_installed, L"3.1", Nothing);
+    m_installed.MakeFile(FolderOf(L"3.1") + L"\\Tools");
+    BuildFlowForgeVersionsSection(m_sections, false);
+    ASSERT_EQ(m_sections.Count(), 1);
+    EXPECT_EQ(m_sections[0]->Count(), 1) << "the manager only";
 }
 
-TEST(FlowForgeVersions, AVersionWithoutFolderOrFilesHasNoSection) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.1", Nothing);
-    installed.MakeKey(Versions64 + L"3.2");
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    EXPECT_EQ(sections.Count(), 0);
+TEST_F(FlowForgeVersions, AVersionWithoutFolderOrFilesHasNoSection) {
+    Install(m_installed, L"3.1", Nothing);
+    m_installed.MakeKey(Versions64 + L"3.2");
+    BuildFlowForgeVersionsSection(m_sections, false);
+    EXPECT_EQ(m_sections.Count(), 0);
 }
 
 struct NewestCase {
@@ -190,7 +170,7 @@ struct NewestCase {
     const wchar_t* chosen; // empty: none
 };
 
-TEST(FlowForgeVersions, TheNewestVersionWithAManagerProvidesIt) {
+TEST_F(FlowForgeVersions, TheNewestVersionWithAManagerProvidesIt) {
     const NewestCase cases[] = {
         {"major decides", {{L"2.9", Product | Manager}, {L"10.0", Product | Manager}}, L"10.0"},
         {"then minor", {{L"3.2", Product | Manager}, {L"3.10", Product | Manager}}, L"3.10"},
@@ -234,10 +214,9 @@ TEST(FlowForgeVersions, TheNewestVersionWithAManagerProvidesIt) {
     }
 }
 
-TEST(FlowForgeVersions, OfEqualVersionsTheFirstListedIsKept) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.1", Product | Manager);
-    Install(installed, L"3.01", Product | Manager);
+TEST_F(FlowForgeVersions, OfEqualVersionsTheFirstListedIsKept) {
+    Install(m_installed, L"3.1", Product | Manager);
+    Install(m_installed, L"3.01", Product | Manager);
     wchar_t first[16] = {};
     DWORD length = 16;
     HKEY key = nullptr;
@@ -250,32 +229,28 @@ TEST(FlowForgeVersions, OfEqualVersionsTheFirstListedIsKept) {
     EXPECT_EQ(ChosenManager(), ManagerOf(first));
 }
 
-TEST(FlowForgeVersions, NamesOfAnyNumberOfPiecesGetASection) {
-    const test::TestInstallation installed;
+TEST_F(FlowForgeVersions, NamesOfAnyNumberOfPiecesGetASection) {
     for (const wchar_t* const version : {L"3", L"3.1.2", L"3.01", L"2.1"}) {
-        Install(installed, version, Product);
+        Install(m_installed, version, Product);
     }
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    EXPECT_EQ(Sorted(TitlesOf(sections)),
+    BuildFlowForgeVersionsSection(m_sections, false);
+    EXPECT_EQ(Sorted(TitlesOf(m_sections)),
               (std::vector<std::wstring>{L"Flow Forge 2.1", L"Flow Forge 3", L"Flow Forge 3.01",
                                          L"Flow Forge 3.1.2"}));
 }
 
-TEST(FlowForgeVersions, SectionsStandInTheRegistrysOwnOrder) {
-    const test::TestInstallation installed;
+TEST_F(FlowForgeVersions, SectionsStandInTheRegistrysOwnOrder) {
     const std::vector<std::wstring> listed = {L"10.0", L"9.9", L"2.1", L"3"};
     std::vector<std::wstring> titles;
     for (const std::wstring& version : listed) {
-        Install(installed, version, Product);
+        Install(m_installed, version, Product);
         titles.push_back(L"Flow Forge " + version);
     }
-    Catalogue sections;
-    BuildListed(listed, sections);
-    EXPECT_EQ(TitlesOf(sections), titles);
+    BuildListed(listed, m_sections);
+    EXPECT_EQ(TitlesOf(m_sections), titles);
 }
 
-TEST(FlowForgeVersions, OnlyTheName21HasTheHelpFile) {
+TEST_F(FlowForgeVersions, OnlyTheName21HasTheHelpFile) {
     for (const wchar_t* const version : {L"2.10", L"2.1.0", L"02.1", L"2.1 ", L" 2.1"}) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(version)));
         const test::TestInstallation installed;
@@ -291,70 +266,60 @@ TEST(FlowForgeVersions, OnlyTheName21HasTheHelpFile) {
     }
 }
 
-TEST(FlowForgeVersions, TheViewsHaveNothingInCommon) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.0", Product | Manager);
-    Install(installed, L"2.0", Product | Manager, Versions32);
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, true);
-    ASSERT_EQ(sections.Count(), 1);
-    EXPECT_STREQ(sections[0]->Title.Text(), L"Flow Forge 2.0 (32-bit)");
-    EXPECT_STREQ(sections[0]->Key.Text(), L"FLOWFORGE-2.0");
+TEST_F(FlowForgeVersions, TheViewsHaveNothingInCommon) {
+    Install(m_installed, L"3.0", Product | Manager);
+    Install(m_installed, L"2.0", Product | Manager, Versions32);
+    BuildFlowForgeVersionsSection(m_sections, true);
+    ASSERT_EQ(m_sections.Count(), 1);
+    EXPECT_STREQ(m_sections[0]->Title.Text(), L"Flow Forge 2.0 (32-bit)");
+    EXPECT_STREQ(m_sections[0]->Key.Text(), L"FLOWFORGE-2.0");
     EXPECT_EQ(ChosenManager(true), ManagerOf(L"2.0"));
     EXPECT_EQ(ChosenManager(false), ManagerOf(L"3.0"));
 }
 
-TEST(FlowForgeVersions, WithoutVersionsIn32BitsThereIsNoSection) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.0", Product | Manager);
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, true);
-    EXPECT_EQ(sections.Count(), 0);
+TEST_F(FlowForgeVersions, WithoutVersionsIn32BitsThereIsNoSection) {
+    Install(m_installed, L"3.0", Product | Manager);
+    BuildFlowForgeVersionsSection(m_sections, true);
+    EXPECT_EQ(m_sections.Count(), 0);
 }
 
-TEST(FlowForgeVersions, AVersionInBothViewsSharesKeyAndIds) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.0", Product);
-    Install(installed, L"3.0", Product, Versions32);
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    BuildFlowForgeVersionsSection(sections, true);
-    ASSERT_EQ(sections.Count(), 2);
-    EXPECT_STREQ(sections[0]->Key.Text(), sections[1]->Key.Text());
-    EXPECT_STREQ((*sections[0])[0]->Id.Text(), (*sections[1])[0]->Id.Text());
-    EXPECT_STREQ(sections[1]->Title.Text(), L"Flow Forge 3.0 (32-bit)");
+TEST_F(FlowForgeVersions, AVersionInBothViewsSharesKeyAndIds) {
+    Install(m_installed, L"3.0", Product);
+    Install(m_installed, L"3.0", Product, Versions32);
+    BuildFlowForgeVersionsSection(m_sections, false);
+    BuildFlowForgeVersionsSection(m_sections, true);
+    ASSERT_EQ(m_sections.Count(), 2);
+    EXPECT_STREQ(m_sections[0]->Key.Text(), m_sections[1]->Key.Text());
+    EXPECT_STREQ((*m_sections[0])[0]->Id.Text(), (*m_sections[1])[0]->Id.Text());
+    EXPECT_STREQ(m_sections[1]->Title.Text(), L"Flow Forge 3.0 (32-bit)");
 }
 
-TEST(FlowForgeVersions, AValueThatIsNoTextCountsAsAnEmptyFolder) {
-    const test::TestInstallation installed;
+TEST_F(FlowForgeVersions, AValueThatIsNoTextCountsAsAnEmptyFolder) {
     const DWORD number = 5;
-    installed.SetBytes(Versions64 + L"3.0", L"InstallationPath", REG_DWORD, &number, 4);
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    EXPECT_EQ(sections.Count(), 0);
+    m_installed.SetBytes(Versions64 + L"3.0", L"InstallationPath", REG_DWORD, &number, 4);
+    BuildFlowForgeVersionsSection(m_sections, false);
+    EXPECT_EQ(m_sections.Count(), 0);
     // The value is there, so the folder was tested; it is the root of the drive.
-    ASSERT_EQ(sections.Omissions.Count(), 1);
-    EXPECT_STREQ(sections.Omissions[0].Path.Text(), L"\\FlowForge.exe");
-    EXPECT_STREQ(sections.Omissions[0].Reason, L"neither FlowForge.exe nor a Tools folder exists");
+    ASSERT_EQ(m_sections.Omissions.Count(), 1);
+    EXPECT_STREQ(m_sections.Omissions[0].Path.Text(), L"\\FlowForge.exe");
+    EXPECT_STREQ(m_sections.Omissions[0].Reason,
+                 L"neither FlowForge.exe nor a Tools folder exists");
 }
 
-TEST(FlowForgeVersions, AnExamplesPathThatIsNoTextIsALoneBackslash) {
-    const test::TestInstallation installed;
-    Install(installed, L"3.1", Product);
+TEST_F(FlowForgeVersions, AnExamplesPathThatIsNoTextIsALoneBackslash) {
+    Install(m_installed, L"3.1", Product);
     const DWORD number = 5;
-    installed.SetBytes(Versions64 + L"3.1", L"ExamplesPath", REG_DWORD, &number, 4);
-    Catalogue sections;
-    BuildFlowForgeVersionsSection(sections, false);
-    ASSERT_EQ(sections.Count(), 1);
-    EXPECT_STREQ((*sections[0])[1]->Path.Text(),
+    m_installed.SetBytes(Versions64 + L"3.1", L"ExamplesPath", REG_DWORD, &number, 4);
+    BuildFlowForgeVersionsSection(m_sections, false);
+    ASSERT_EQ(m_sections.Count(), 1);
+    EXPECT_STREQ((*m_sections[0])[1]->Path.Text(),
                  L"\\/Example HMI/DotNetExamples/Examples/Velnora/bin/x86/Release/Velnora.exe");
 }
 
-TEST(FlowForgeVersions, AManagersFolderThatIsNoTextIsTheRoot) {
-    const test::TestInstallation installed;
-    Install(installed, L"2.0", Product | Manager);
+TEST_F(FlowForgeVersions, AManagersFolderThatIsNoTextIsTheRoot) {
+    Install(m_installed, L"2.0", Product | Manager);
     const DWORD number = 5;
-    installed.SetBytes(Versions64 + L"3.0", L"InstallationPath", REG_DWORD, &number, 4);
+    m_installed.SetBytes(Versions64 + L"3.0", L"InstallationPath", REG_DWORD, &number, 4);
     HOOK_IMPORT(exists, PathFileExistsW, [&](LPCWSTR path) {
         return std::wstring(path) == L"/Tools/FlowForgeRuntimeManager.exe" ? TRUE
                                                                            : exists.Original(path);
@@ -366,23 +331,21 @@ TEST(FlowForgeVersions, AManagersFolderThatIsNoTextIsTheRoot) {
 // A listed subkey that cannot be opened: the walk loses its place, and nothing that comes after it
 // is found any more.
 void BuildWhileRefused(const std::wstring& refused, Catalogue& sections) {
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                    const std::wstring name = subKey;
-                    const std::size_t at = name.rfind(L'\\');
-                    return at != std::wstring::npos && name.substr(at + 1) == refused
-                               ? LSTATUS{ERROR_ACCESS_DENIED}
-                               : open.Original(root, subKey, options, access, result);
-                });
+    HOOK_IMPORT(open, RegOpenKeyExW, [&](HKEY root, LPCWSTR subKey, auto... rest) {
+        const std::wstring name = subKey;
+        const std::size_t at = name.rfind(L'\\');
+        return at != std::wstring::npos && name.substr(at + 1) == refused
+                   ? LSTATUS{ERROR_ACCESS_DENIED}
+                   : open.Original(root, subKey, rest...);
+    });
     BuildFlowForgeVersionsSection(sections, false);
 }
 
 constexpr wchar_t NotRead[] = L"the version's key, or one listed beside it, cannot be read";
 
-TEST(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
-    const test::TestInstallation installed;
+TEST_F(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
     for (const wchar_t* const version : {L"1.0", L"2.0", L"3.0"}) {
-        Install(installed, version, Product | Manager);
+        Install(m_installed, version, Product | Manager);
     }
     Catalogue without;
     BuildWhileRefused(L"2.0", without);
@@ -397,32 +360,29 @@ TEST(FlowForgeVersions, ARefusedSubKeyOfTwoPiecesLeavesNothingToFind) {
     EXPECT_EQ(with.Count(), 3);
 }
 
-TEST(FlowForgeVersions, AValueOfTheListItselfIsNoRefusedVersions) {
-    const test::TestInstallation installed;
+TEST_F(FlowForgeVersions, AValueOfTheListItselfIsNoRefusedVersions) {
     // Neither while the manager is chosen ("2.0") nor while the sections are made ("2.0.0").
     for (const wchar_t* const refused : {L"2.0", L"2.0.0"}) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(refused)));
-        Install(installed, L"", Product | Manager);
-        Install(installed, refused, Product | Manager);
+        Install(m_installed, L"", Product | Manager);
+        Install(m_installed, refused, Product | Manager);
         Catalogue sections;
         BuildWhileRefused(refused, sections);
         EXPECT_EQ(sections.Count(), 0) << "the key is closed and finds nothing";
-        installed.DeleteKey(Versions64 + refused);
+        m_installed.DeleteKey(Versions64 + refused);
     }
 }
 
-TEST(FlowForgeVersions, ARefusedSubKeyOfThreePiecesEndsTheSections) {
-    const test::TestInstallation installed;
+TEST_F(FlowForgeVersions, ARefusedSubKeyOfThreePiecesEndsTheSections) {
     for (const wchar_t* const version : {L"1.0", L"2.0.0", L"3.0"}) {
-        Install(installed, version, Product | Manager);
+        Install(m_installed, version, Product | Manager);
     }
-    Catalogue sections;
-    BuildWhileRefused(L"2.0.0", sections);
-    ASSERT_EQ(sections.Count(), 1);
-    EXPECT_STREQ(sections[0]->Key.Text(), L"FLOWFORGE-1.0");
-    ASSERT_EQ(sections.Omissions.Count(), 2);
-    EXPECT_STREQ(sections.Omissions[1].Title.Text(), L"Flow Forge 3.0");
-    EXPECT_STREQ(sections.Omissions[1].Reason, NotRead);
+    BuildWhileRefused(L"2.0.0", m_sections);
+    ASSERT_EQ(m_sections.Count(), 1);
+    EXPECT_STREQ(m_sections[0]->Key.Text(), L"FLOWFORGE-1.0");
+    ASSERT_EQ(m_sections.Omissions.Count(), 2);
+    EXPECT_STREQ(m_sections.Omissions[1].Title.Text(), L"Flow Forge 3.0");
+    EXPECT_STREQ(m_sections.Omissions[1].Reason, NotRead);
 }
 
 } // namespace

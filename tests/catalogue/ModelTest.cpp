@@ -205,11 +205,10 @@ std::vector<std::wstring> KeysOf(const Catalogue& catalogue) {
 
 TEST(Catalogue, CallsTheBuildersInTheirOrder) {
     const test::TestInstallation installed;
-    constexpr wchar_t Product[] = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0";
-    installed.SetText(Product, L"InstallationPath", L"C:\\KorTest\\FF30");
-    installed.SetText(L"Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions\\2.1",
-                      L"InstallationPath", L"C:\\KorTest\\FF21");
-    installed.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
+    installed.SetText(test::VersionsKey + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF30");
+    installed.SetText(L"Wow6432Node\\" + test::VersionsKey + L"\\2.1", L"InstallationPath",
+                      L"C:\\KorTest\\FF21");
+    installed.MakeKey(test::LibraryKey + L"\\RTX");
     for (const wchar_t* const file :
          {L"C:\\KorTest\\FF30\\FlowForge.exe", L"C:\\KorTest\\FF21\\FlowForge.exe",
           L"C:\\KorTest\\Lib\\ActiveKOR\\Controls\\kor.ocx"}) {

@@ -16,7 +16,7 @@ struct Note {
     std::wstring Reason;
     Looked Where;
     std::wstring Path;
-    PathBase Base;
+    PathBase Base = nullptr;
 };
 
 void ExpectNotes(const Catalogue& sections, const std::vector<Note>& expected) {
@@ -47,20 +47,20 @@ TEST(Omissions, OfAnEmptyInstallation) {
     catalogue.Build(Installation(), false);
     const std::vector<Note> expected = {
         {L"Quick Start", L"", L"this is not a development installation", Looked::AtInstallationType,
-         L"", nullptr},
+         L""},
         {L"Folders", L"", L"this is not a development installation", Looked::AtInstallationType,
-         L"", nullptr},
+         L""},
         {L"General Tools", L"Tutorials directory", L"the folder is missing or empty",
          Looked::AtFolder, L"Tutorial videos", &Installation::InstallDir},
         {L"Flow Forge versions", L"", NoKey, Looked::AtRegistryKey,
-         FlowForgeKey + L"Installed Versions", nullptr},
+         FlowForgeKey + L"Installed Versions"},
         {L"Flow Forge versions (32-bit)", L"", NoKey, Looked::AtRegistryKey,
-         FlowForgeKey32 + L"Installed Versions", nullptr},
+         FlowForgeKey32 + L"Installed Versions"},
         {L"ActiveKOR", L"", L"the control file does not exist", Looked::AtFile,
          L"ActiveKOR/Controls/kor.ocx", &Installation::InstallDir},
         {L"Flow Forge", L"", L"the program does not exist", Looked::AtFile, L"",
          &Installation::FlowForgeInstallDir},
-        {L"KOR for RTOS", L"", NoKey, Looked::AtRegistryKey, RtxKey, nullptr},
+        {L"KOR for RTOS", L"", NoKey, Looked::AtRegistryKey, RtxKey},
     };
     ExpectNotes(catalogue, expected);
     catalogue.Build(Installation(), false);
@@ -69,15 +69,13 @@ TEST(Omissions, OfAnEmptyInstallation) {
 
 TEST(Omissions, OfItemsWithAConditionAndOfVersions) {
     const test::TestInstallation installed;
-    installed.MakeKey(L"Vantrel\\Vantrel Imaging Library\\RTX");
+    installed.MakeKey(test::LibraryKey + L"\\RTX");
     installed.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
     installed.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
-    installed.MakeKey(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\1.0");
-    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\2.0", L"InstallationPath",
-                      L"C:\\KorTest\\Gone");
-    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0", L"InstallationPath",
-                      L"C:\\KorTest\\FF");
-    installed.MakeKey(L"Wow6432Node\\Vantrel\\Vantrel Flow Forge\\Installed Versions");
+    installed.MakeKey(test::VersionsKey + L"\\1.0");
+    installed.SetText(test::VersionsKey + L"\\2.0", L"InstallationPath", L"C:\\KorTest\\Gone");
+    installed.SetText(test::VersionsKey + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF");
+    installed.MakeKey(L"Wow6432Node\\" + test::VersionsKey);
     Installation installation;
     installation.InstallDir = L"C:\\KorTest\\";
     installation.KorExamplesRoot = L"C:\\KorTest\\Ex";
@@ -91,17 +89,16 @@ TEST(Omissions, OfItemsWithAConditionAndOfVersions) {
                  {L"General Tools", L"Tutorials directory", L"the folder is missing or empty",
                   Looked::AtFolder, L"C:\\KorTest\\Tutorial videos", &Installation::InstallDir},
                  {L"Flow Forge 1.0", L"", L"the version's key has no value \"InstallationPath\"",
-                  Looked::AtRegistryKey, FlowForgeKey + L"Installed Versions\\1.0", nullptr},
+                  Looked::AtRegistryKey, FlowForgeKey + L"Installed Versions\\1.0"},
                  {L"Flow Forge 2.0", L"", L"neither FlowForge.exe nor a Tools folder exists",
-                  Looked::AtFile, L"C:\\KorTest\\Gone\\FlowForge.exe", nullptr},
+                  Looked::AtFile, L"C:\\KorTest\\Gone\\FlowForge.exe"},
                  {L"ActiveKOR", L"Sample Gallery", NoExamples, Looked::AtFolder, L"",
                   &Installation::ActiveKorExamplesRoot}});
 }
 
 TEST(PathBases, SayWhatEachItemsPathBeginsWith) {
     const test::TestInstallation installed;
-    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0", L"InstallationPath",
-                      L"C:\\KorTest\\FF");
+    installed.SetText(test::VersionsKey + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF");
     installed.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
     installed.MakeFile(L"C:\\KorTest\\ActiveKOR\\Controls\\kor.ocx");
     Installation installation;

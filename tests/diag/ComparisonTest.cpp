@@ -223,7 +223,7 @@ TEST_F(CompareCommand, ComparesWithThisComputer) {
     EXPECT_EQ(same.Code, ExitCode::Answered) << same.Out;
     EXPECT_NE(same.Out.find("\nB: this computer, now\n\nno differences\n"), std::string::npos)
         << same.Out;
-    m_files.SetText(L"Vantrel\\Vantrel Imaging Library", L"KORType", L"Runtime");
+    m_files.SetText(test::LibraryKey, L"KORType", L"Runtime");
     const test::Outcome other = Run({L"--json", L"a"});
     EXPECT_EQ(other.Code, ExitCode::No);
     EXPECT_NE(other.Out.find(R"("b":null,"same":false)"), std::string::npos) << other.Out;

@@ -90,10 +90,7 @@ TEST_F(SystemFiles, AFileThatIsNotThereOrSaysNothingHasNoVersion) {
 }
 
 TEST_F(SystemFiles, WithoutTheLibraryForVersionsThereIsNone) {
-    HOOK_IMPORT(load, LoadLibraryExW, [](LPCWSTR, HANDLE, DWORD) -> HMODULE {
-        SetLastError(ERROR_MOD_NOT_FOUND);
-        return nullptr;
-    });
+    HOOK_IMPORT(load, LoadLibraryExW, test::FailsWith<HMODULE>(ERROR_MOD_NOT_FOUND));
     EXPECT_EQ(VersionOf(L"a.dll").Error, static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
 }
 
@@ -102,7 +99,7 @@ TEST_F(SystemFiles, WithoutTheSystemsFolderNoFileOfAnotherOneIsAsked) {
     MakeLibrary(L"a.dll", Resource(Fixed()));
     ASSERT_TRUE(SetCurrentDirectoryW(Folder));
     for (const UINT length : {0U, 260U, 5000U}) {
-        HOOK_IMPORT(folder, GetSystemDirectoryW, [&](LPWSTR, UINT) { return length; });
+        HOOK_IMPORT(folder, GetSystemDirectoryW, [&](auto...) { return length; });
         const FileVersion version = VersionOfSystemFile(L"a.dll");
         EXPECT_EQ(version.Text, L"");
         EXPECT_EQ(version.Error, static_cast<DWORD>(ERROR_PATH_NOT_FOUND));

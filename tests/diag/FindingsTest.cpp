@@ -25,19 +25,12 @@
 
 namespace {
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
-constexpr wchar_t Versions[] = L"Vantrel\\Vantrel Flow Forge\\Installed Versions";
-
 // A whole development installation: each target of the catalogue is there.
 class Findings : public testing::Test {
 protected:
     Findings() {
-        m_installed.SetText(Library, L"KorVersion", L"1");
-        m_installed.SetText(Library, L"KORType", L"Development");
-        m_installed.SetText(Install, L"installdir", L"C:\\KorTest\\Lib\\");
-        m_installed.SetText(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath",
-                            L"C:\\KorTest\\Ex");
+        m_installed.MakeDevelopment(L"C:\\KorTest\\Lib\\");
+        m_installed.SetText(test::InstallKey + L"\\KOR", L"ExamplesRootPath", L"C:\\KorTest\\Ex");
         m_installed.MakeFolder(L"C:\\KorTest\\Ex");
         m_installed.MakeFile(L"C:\\KorTest\\Lib\\Tutorial videos\\a.mp4");
         const PageState state;
@@ -112,7 +105,7 @@ private:
 
 TEST_F(Findings, OfAKeyThatMayNotBeRead) {
     {
-        const Unreadable key(Library);
+        const Unreadable key(test::LibraryKey);
         EXPECT_EQ(Found(), (Lines{"error value-unreadable valid installation development "
                                   "installation"}));
     }
@@ -120,7 +113,7 @@ TEST_F(Findings, OfAKeyThatMayNotBeRead) {
 }
 
 TEST_F(Findings, OfAVersionWhoseKeyMayNotBeRead) {
-    const std::wstring version = std::wstring(Versions) + L"\\3.0";
+    const std::wstring version = test::VersionsKey + L"\\3.0";
     m_installed.SetText(version, L"InstallationPath", L"C:\\KorTest\\FF");
     m_installed.MakeFile(L"C:\\KorTest\\FF\\Tools\\FlowForgeRuntimeManager.exe");
     {
@@ -135,15 +128,12 @@ TEST_F(Findings, OfAHelpFileFromTheInternet) {
     const auto foundWith = [&](const char* mark) {
         m_installed.MakeFile(L"C:\\KorTest\\mark");
         std::ofstream("C:\\KorTest\\mark") << mark;
-        HOOK_IMPORT(create, CreateFileW,
-                    [&](LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
-                        DWORD how, DWORD flags, HANDLE like) {
-                        const bool isMark = std::wstring(path) ==
-                                            L"C:\\KorTest\\Lib\\KOR\\DOC\\help\\KORHelp.chm:Zone."
-                                            L"Identifier";
-                        return create.Original(isMark ? L"C:\\KorTest\\mark" : path, access, share,
-                                               security, how, flags, like);
-                    });
+        HOOK_IMPORT(create, CreateFileW, [&](LPCWSTR path, auto... rest) {
+            const bool isMark = std::wstring(path) ==
+                                L"C:\\KorTest\\Lib\\KOR\\DOC\\help\\KORHelp.chm:Zone."
+                                L"Identifier";
+            return create.Original(isMark ? L"C:\\KorTest\\mark" : path, rest...);
+        });
         return Found();
     };
     EXPECT_EQ(foundWith("[ZoneTransfer]\r\nZoneId=3\r\n"),
@@ -156,10 +146,7 @@ TEST_F(Findings, OfAHelpFileFromTheInternet) {
 // PowerShell takes curved quotes for straight ones.
 TEST(BlockedHelp, IsFreedByACommandThatPowerShellReadsAsWritten) {
     HOOK_IMPORT(create, CreateFileW,
-                [&](LPCWSTR, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security, DWORD how,
-                    DWORD flags, HANDLE like) {
-                    return create.Original(L"C:\\mark", access, share, security, how, flags, like);
-                });
+                [&](LPCWSTR, auto... rest) { return create.Original(L"C:\\mark", rest...); });
     std::ofstream("C:\\mark") << "ZoneId=3";
     const std::optional<Cause> cause = CauseOfBlockedHelp(L"C:\\it's \x2019 a\x201A $b`.chm");
     DeleteFileW(L"C:\\mark");
@@ -172,13 +159,13 @@ TEST(BlockedHelp, IsFreedByACommandThatPowerShellReadsAsWritten) {
 // As long as a registry value may be, and with the signs of a format.
 TEST_F(Findings, TellATextOfAnyLengthAsItIs) {
     const std::wstring text = L"C:\\KorTest\\%s %n 100% " + std::wstring(200000, L'x');
-    m_installed.SetText(Install, L"installdir", text);
+    m_installed.SetText(test::InstallKey, L"installdir", text);
     const auto toldBy = [&](const wchar_t* command) {
         return test::OutputOf({command}).find(test::Narrow((L"\"" + text + L"\"").c_str()));
     };
     EXPECT_NE(toldBy(L"check"), std::string::npos);
     EXPECT_NE(toldBy(L"catalogue"), std::string::npos);
-    m_installed.SetText(Library, L"KORType", text);
+    m_installed.SetText(test::LibraryKey, L"KORType", text);
     EXPECT_NE(toldBy(L"catalogue"), std::string::npos);
 }
 

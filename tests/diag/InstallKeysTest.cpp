@@ -25,11 +25,10 @@ constexpr char InstallInJson[] = R"({"key":"HKEY_LOCAL_MACHINE\\Software\\Vantre
 
 TEST(InstallKeys, EachIsNamedOnceWithTheTimeOfItsLastWrite) {
     const test::TestInstallation installation;
-    installation.MakeKey(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install");
+    installation.MakeKey(test::InstallKey);
     SYSTEMTIME before = {};
     GetSystemTime(&before);
-    installation.SetText(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install", L"installdir",
-                         L"C:\\");
+    installation.SetText(test::InstallKey, L"installdir", L"C:\\");
     SYSTEMTIME after = {};
     GetSystemTime(&after);
     const std::string text = KeysInText();
@@ -58,7 +57,7 @@ TEST(InstallKeys, EachIsNamedOnceWithTheTimeOfItsLastWrite) {
 
 TEST(InstallKeys, TimesAreInUtcAndIso8601) {
     const test::TestInstallation installation;
-    installation.MakeKey(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install");
+    installation.MakeKey(test::InstallKey);
     ULARGE_INTEGER written = {};
     written.QuadPart = 133542047999999999; // a tick before 2024-03-06 13:20
     HOOK_IMPORT(information, RegQueryInfoKeyW,
@@ -80,8 +79,7 @@ TEST(InstallKeys, TimesAreInUtcAndIso8601) {
 
 TEST(InstallKeys, AKeyThatMayNotBeReadExistsAllTheSame) {
     const test::TestInstallation installation;
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [](HKEY, LPCWSTR, DWORD, REGSAM, PHKEY) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+    HOOK_IMPORT(open, RegOpenKeyExW, test::Refused);
     EXPECT_NE(KeysInText().find("install\n  last written: unknown (error 5)\n"), std::string::npos);
     EXPECT_NE(test::JsonOf(WriteInstallKeys)
                   .find(std::string(InstallInJson) + R"("exists":true,"written":null})"),
@@ -90,21 +88,18 @@ TEST(InstallKeys, AKeyThatMayNotBeReadExistsAllTheSame) {
 
 TEST(InstallKeys, AKeyIsClosedWhateverItSays) {
     const test::TestInstallation installation;
-    installation.MakeKey(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install");
+    installation.MakeKey(test::InstallKey);
     int open = 0;
-    HOOK_IMPORT(opening, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR name, DWORD options, REGSAM rights, PHKEY key) -> LSTATUS {
-                    const LSTATUS result = opening.Original(root, name, options, rights, key);
-                    open += result == ERROR_SUCCESS ? 1 : 0;
-                    return result;
-                });
+    HOOK_IMPORT(opening, RegOpenKeyExW, [&](auto... all) -> LSTATUS {
+        const LSTATUS result = opening.Original(all...);
+        open += result == ERROR_SUCCESS ? 1 : 0;
+        return result;
+    });
     HOOK_IMPORT(closing, RegCloseKey, [&](HKEY key) -> LSTATUS {
         --open;
         return closing.Original(key);
     });
-    HOOK_IMPORT(information, RegQueryInfoKeyW,
-                [](HKEY, LPWSTR, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD, LPDWORD,
-                   LPDWORD, LPDWORD, PFILETIME) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+    HOOK_IMPORT(information, RegQueryInfoKeyW, test::Refused);
     EXPECT_NE(KeysInText().find("install\n  last written: unknown (error 5)\n"), std::string::npos);
     EXPECT_EQ(open, 0);
 }

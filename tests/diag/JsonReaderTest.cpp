@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "diag/JsonFile.h"
 #include "diag/JsonReader.h"
@@ -35,8 +36,14 @@ struct ReadCase {
     const char* result;
 };
 
+void ExpectReads(const std::vector<ReadCase>& cases) {
+    for (const ReadCase& c : cases) {
+        EXPECT_EQ(Read(c.text), c.result) << testing::PrintToString(std::wstring(c.text));
+    }
+}
+
 TEST(JsonReader, ReadsEveryKindOfValue) {
-    const ReadCase cases[] = {
+    ExpectReads({
         {L"null", "null"},
         {L"true", "true"},
         {L"false", "false"},
@@ -46,10 +53,7 @@ TEST(JsonReader, ReadsEveryKindOfValue) {
         {L" \t\r\n[ 1 , \"a\" , [ ] , { } , null ]\r\n ", "[1,\"a\",[],{},null]"},
         {L"{ \"b\" : 1 , \"a\" : { \"b\" : [ true , false ] } , \"\" : \"\" }",
          "{\"b\":1,\"a\":{\"b\":[true,false]},\"\":\"\"}"},
-    };
-    for (const ReadCase& c : cases) {
-        EXPECT_EQ(Read(c.text), c.result);
-    }
+    });
 }
 
 TEST(JsonReader, KeepsNumbersAsTheyAreWritten) {
@@ -57,7 +61,7 @@ TEST(JsonReader, KeepsNumbersAsTheyAreWritten) {
                                      "-1.5e-10", "123456789012345678901234567890"}) {
         EXPECT_EQ(Read(std::wstring(number, number + std::strlen(number))), number);
     }
-    const ReadCase cases[] = {
+    ExpectReads({
         {L"01", "line 1, character 2: something stands behind the document"},
         {L"+1", "line 1, character 1: no value of JSON"},
         {L".5", "line 1, character 1: no value of JSON"},
@@ -69,14 +73,11 @@ TEST(JsonReader, KeepsNumbersAsTheyAreWritten) {
         {L"[0x10]", "line 1, character 3: a comma or ] is missing"},
         {L"NaN", "line 1, character 1: no value of JSON"},
         {L"\u0661", "line 1, character 1: no value of JSON"},
-    };
-    for (const ReadCase& c : cases) {
-        EXPECT_EQ(Read(c.text), c.result);
-    }
+    });
 }
 
 TEST(JsonReader, ReadsEscapesAndSurrogates) {
-    const ReadCase cases[] = {
+    ExpectReads({
         {LR"("\"\\\/\b\f\n\r\t\u0041\u00e9\uFfFf")",
          "\"\\\"\\\\/\\u0008\\u000c\\n\\r\\tA\u00e9\uffff\""},
         {LR"("\ud83d\ude00")", "\"\U0001F600\""},
@@ -90,16 +91,13 @@ TEST(JsonReader, ReadsEscapesAndSurrogates) {
         {LR"("\u+041")", "line 1, character 4: \\u is not followed by four hexadecimal digits"},
         {L"\"a\nb\"", "line 1, character 3: a control character in a text"},
         {L"\"a\x1f\"", "line 1, character 3: a control character in a text"},
-    };
-    for (const ReadCase& c : cases) {
-        EXPECT_EQ(Read(c.text), c.result);
-    }
+    });
     EXPECT_EQ(Read(std::wstring(L"\"\0\"", 3)),
               "line 1, character 2: a control character in a text");
 }
 
 TEST(JsonReader, RefusesWhatIsAlmostJson) {
-    const ReadCase cases[] = {
+    ExpectReads({
         {L"[1,]", "line 1, character 4: no value of JSON"},
         {L"[,1]", "line 1, character 2: no value of JSON"},
         {L"[1 2]", "line 1, character 4: a comma or ] is missing"},
@@ -121,10 +119,7 @@ TEST(JsonReader, RefusesWhatIsAlmostJson) {
          "line 1, character 1: no value of JSON"},
         {L"\ufeff1", "line 1, character 1: no value of JSON"},
         {L"[1,\n 2,\r\n  x]", "line 3, character 3: no value of JSON"},
-    };
-    for (const ReadCase& c : cases) {
-        EXPECT_EQ(Read(c.text), c.result);
-    }
+    });
     EXPECT_EQ(Read(std::wstring(L"1\0", 2)),
               "line 1, character 2: something stands behind the document");
 }
@@ -254,7 +249,7 @@ TEST_F(JsonFiles, ThatCannotBeReadAreToldOf) {
     EXPECT_EQ(ReadFileOf(L"C:\\KorTest\\json\\none"), "cannot be opened (error 2)");
     EXPECT_EQ(ReadFileOf(L"C:\\KorTest\\json"), "cannot be opened (error 5)");
     HANDLE asked = nullptr;
-    HOOK_IMPORT(read, ReadFile, [&](HANDLE file, LPVOID, DWORD, LPDWORD, LPOVERLAPPED) -> BOOL {
+    HOOK_IMPORT(read, ReadFile, [&](HANDLE file, auto...) -> BOOL {
         asked = file;
         SetLastError(ERROR_CRC);
         return FALSE;
@@ -266,11 +261,9 @@ TEST_F(JsonFiles, ThatCannotBeReadAreToldOf) {
 
 // A pipe gives what it has, piece by piece.
 TEST_F(JsonFiles, ThatComeInPiecesAreReadToTheirEnd) {
-    HOOK_IMPORT(
-        read, ReadFile,
-        [&](HANDLE file, LPVOID data, DWORD, LPDWORD count, LPOVERLAPPED overlapped) -> BOOL {
-            return read.Original(file, data, 1, count, overlapped);
-        });
+    HOOK_IMPORT(read, ReadFile, [&](HANDLE file, LPVOID data, DWORD, auto... rest) -> BOOL {
+        return read.Original(file, data, 1, rest...);
+    });
     JsonValue document;
     std::wstring error;
     std::ofstream("C:\\KorTest\\json\\f") << "[1,\"ab\"]";

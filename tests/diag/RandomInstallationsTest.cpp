@@ -21,27 +21,22 @@
 
 namespace {
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
-constexpr wchar_t Versions[] = L"Vantrel\\Vantrel Flow Forge\\Installed Versions";
-
 // Makes an installation in which anything may be missing or wrong.
 class RandomInstallation {
 public:
     explicit RandomInstallation(std::mt19937& random) : m_random(random), m_isRight(Draw(8) == 0) {
-        const std::wstring versions(Versions);
-        const std::wstring install(Install);
-        SetAny(install, L"installdir", L"C:\\KorTest\\Lib\\");
-        SetAny(install + L"\\KOR", L"ExamplesRootPath", L"C:\\KorTest\\Ex");
-        SetAny(install + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\KorTest\\AEx");
-        SetAny(L"Vantrel\\Vantrel Flow Forge\\Install", L"InstallationPath", L"C:\\KorTest\\FF");
-        SetAny(versions + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF");
-        SetAny(versions + L"\\2.1", L"InstallationPath", L"C:\\KorTest\\FF");
-        SetAny(L"Wow6432Node\\" + versions + L"\\2.1", L"InstallationPath", L"C:\\KorTest\\FF");
-        SetAny(Library, L"KorVersion", L"1");
-        SetAny(Library, L"KORType", Draw(2) == 0 ? L"Development" : L"Runtime");
+        SetAny(test::InstallKey, L"installdir", L"C:\\KorTest\\Lib\\");
+        SetAny(test::InstallKey + L"\\KOR", L"ExamplesRootPath", L"C:\\KorTest\\Ex");
+        SetAny(test::InstallKey + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\KorTest\\AEx");
+        SetAny(test::FlowForgeKey, L"InstallationPath", L"C:\\KorTest\\FF");
+        SetAny(test::VersionsKey + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF");
+        SetAny(test::VersionsKey + L"\\2.1", L"InstallationPath", L"C:\\KorTest\\FF");
+        SetAny(L"Wow6432Node\\" + test::VersionsKey + L"\\2.1", L"InstallationPath",
+               L"C:\\KorTest\\FF");
+        SetAny(test::LibraryKey, L"KorVersion", L"1");
+        SetAny(test::LibraryKey, L"KORType", Draw(2) == 0 ? L"Development" : L"Runtime");
         if (Draw(2) == 0) {
-            m_installed.MakeKey(std::wstring(Library) + L"\\RTX");
+            m_installed.MakeKey(test::LibraryKey + L"\\RTX");
         }
         // What is there decides what else there might be.
         MakeSomeTargets();

@@ -142,7 +142,7 @@ TEST(Redaction, LeavesNoNameInAnyByteOfAReport) {
                          L"jgruenwald@contoso.example, Joerg.Gruenwald on WKS-4711 or "
                          L"wks-4711.contoso.example of contoso-corp and CORP.CONTOSO.TEST");
     const test::TestInstallation installed;
-    installed.SetText(L"Vantrel\\Vantrel Imaging Library\\Runtime\\install", L"installdir",
+    installed.SetText(test::InstallKey, L"installdir",
                       L"C:\\Users\\JOERGG~1.CON\\\\Jörg Grünwald.CONTOSO\\jgruenwald");
     for (const wchar_t* const form : {L"--redact", L"--json"}) {
         std::string report = test::Kordiag({L"report", L"--redact", form}).Out;
@@ -221,15 +221,13 @@ TEST_F(NewFiles, AFullDiskLeavesNoFile) {
     std::string errors;
     {
         int pieces = 0;
-        HOOK_IMPORT(write, WriteFile,
-                    [&](HANDLE file, LPCVOID data, DWORD size, LPDWORD written,
-                        LPOVERLAPPED overlapped) -> BOOL {
-                        if (++pieces == 2) {
-                            SetLastError(ERROR_DISK_FULL);
-                            return FALSE;
-                        }
-                        return write.Original(file, data, size, written, overlapped);
-                    });
+        HOOK_IMPORT(write, WriteFile, [&](auto... all) -> BOOL {
+            if (++pieces == 2) {
+                SetLastError(ERROR_DISK_FULL);
+                return FALSE;
+            }
+            return write.Original(all...);
+        });
         Write("");
         EXPECT_EQ(Report({L"--force"}, errors), ExitCode::No);
         EXPECT_EQ(pieces, 2);
@@ -238,10 +236,7 @@ TEST_F(NewFiles, AFullDiskLeavesNoFile) {
     EXPECT_EQ(Read(), "") << "what was there stays";
     EXPECT_EQ(Count(), 1);
     {
-        HOOK_IMPORT(flush, FlushFileBuffers, [](HANDLE) -> BOOL {
-            SetLastError(ERROR_DISK_FULL);
-            return FALSE;
-        });
+        HOOK_IMPORT(flush, FlushFileBuffers, test::FailsWith<BOOL>(ERROR_DISK_FULL));
         EXPECT_EQ(Report({L"--force"}, errors), ExitCode::No);
     }
     EXPECT_EQ(errors, "kordiag report: C:\\KorTest\\out\\f cannot be written (error 112)\n");

@@ -224,10 +224,7 @@ TEST(SystemFacts, ElevationIsThatOfTheToken) {
     EXPECT_EQ(InText("elevated"), "unknown (error 87)");
     EXPECT_FALSE(GetHandleInformation(asked, &flags)) << "it is closed";
     EXPECT_TRUE(HasMember("elevated", "null"));
-    HOOK_IMPORT(open, OpenProcessToken, [](HANDLE, DWORD, PHANDLE) -> BOOL {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-    });
+    HOOK_IMPORT(open, OpenProcessToken, test::FailsWith<BOOL>(ERROR_ACCESS_DENIED));
     EXPECT_EQ(InText("elevated"), "unknown (error 5)");
 }
 
@@ -266,10 +263,7 @@ TEST(SystemFacts, ARemoteSessionSaysSoOrIsNotTheConsoles) {
 TEST(SystemFacts, ASessionThatIsNotKnownIsNotCalledLocal) {
     Values values;
     values.Set(TerminalServer, L"GlassSessionId", DWORD{1});
-    HOOK_IMPORT(session, ProcessIdToSessionId, [](DWORD, DWORD*) -> BOOL {
-        SetLastError(ERROR_ACCESS_DENIED);
-        return FALSE;
-    });
+    HOOK_IMPORT(session, ProcessIdToSessionId, test::FailsWith<BOOL>(ERROR_ACCESS_DENIED));
     EXPECT_EQ(InText("session"), "unknown (error 5)");
     EXPECT_EQ(InText("remote desktop"), "unknown (error 5)");
     EXPECT_TRUE(HasMember("session", "null"));
@@ -342,10 +336,7 @@ TEST(SystemFacts, TheScreenAndItsAidsAreAskedOfTheSystem) {
 }
 
 TEST(SystemFacts, WithoutTheLibraryForVersionsThereAreNone) {
-    HOOK_IMPORT(load, LoadLibraryExW, [](LPCWSTR, HANDLE, DWORD) -> HMODULE {
-        SetLastError(ERROR_MOD_NOT_FOUND);
-        return nullptr;
-    });
+    HOOK_IMPORT(load, LoadLibraryExW, test::FailsWith<HMODULE>(ERROR_MOD_NOT_FOUND));
     for (const char* const library : {"mshtml", "ieframe"}) {
         EXPECT_EQ(InText(std::string(library) + ".dll"), "unknown (error 126)");
         EXPECT_TRUE(HasMember(library, "null"));

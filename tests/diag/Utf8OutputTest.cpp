@@ -63,11 +63,10 @@ TEST(Utf8Output, DoesNotTearPairsWhereverThePiecesEnd) {
 
 TEST(Utf8Output, WritesLongTextsInFewCalls) {
     int calls = 0;
-    HOOK_IMPORT(write, WriteFile,
-                [&](HANDLE file, LPCVOID bytes, DWORD count, LPDWORD written, LPOVERLAPPED o) {
-                    ++calls;
-                    return write.Original(file, bytes, count, written, o);
-                });
+    HOOK_IMPORT(write, WriteFile, [&](auto... all) {
+        ++calls;
+        return write.Original(all...);
+    });
     test::Capture([](Utf8Output& output) {
         for (int i = 0; i < 8192 * 3; ++i) {
             output.Write(L"x");
@@ -77,10 +76,9 @@ TEST(Utf8Output, WritesLongTextsInFewCalls) {
 }
 
 TEST(Utf8Output, GoesOnAfterAWriteThatTookOnlyAPart) {
-    HOOK_IMPORT(write, WriteFile,
-                [&](HANDLE file, LPCVOID bytes, DWORD count, LPDWORD written, LPOVERLAPPED o) {
-                    return write.Original(file, bytes, std::min<DWORD>(count, 3), written, o);
-                });
+    HOOK_IMPORT(write, WriteFile, [&](HANDLE file, LPCVOID bytes, DWORD count, auto... rest) {
+        return write.Original(file, bytes, std::min<DWORD>(count, 3), rest...);
+    });
     EXPECT_EQ(test::Capture([](Utf8Output& output) { output.Write(L"0123456789"); }), "0123456789");
 }
 
@@ -104,10 +102,7 @@ TEST(Utf8Output, FallsSilentWhenTheReaderIsGone) {
 TEST(Utf8Output, KeepsOtherFailures) {
     for (const DWORD error : {DWORD{ERROR_DISK_FULL}, DWORD{ERROR_SUCCESS}}) {
         const test::Captured captured;
-        HOOK_IMPORT(write, WriteFile, [&](HANDLE, LPCVOID, DWORD, LPDWORD, LPOVERLAPPED) {
-            SetLastError(error);
-            return FALSE;
-        });
+        HOOK_IMPORT(write, WriteFile, test::FailsWith<BOOL>(error));
         Utf8Output output(captured.Handle());
         output.Write(L"x");
         output.Flush();

@@ -65,12 +65,8 @@ private:
                        : Opened(m_open.Original(root, subKey, options, access, key), key);
         }};
     test::ImportHook<struct QueryTag, decltype(&RegQueryValueExW)> m_query{
-        "RegQueryValueExW",
-        [this](HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
-               LPDWORD size) -> LSTATUS {
-            return Fails("RegQueryValueExW")
-                       ? ERROR_ACCESS_DENIED
-                       : m_query.Original(key, name, reserved, type, data, size);
+        "RegQueryValueExW", [this](auto... all) -> LSTATUS {
+            return Fails("RegQueryValueExW") ? ERROR_ACCESS_DENIED : m_query.Original(all...);
         }};
     test::ImportHook<struct CloseTag, decltype(&RegCloseKey)> m_close{
         "RegCloseKey", [this](HKEY key) -> LSTATUS {
@@ -85,12 +81,12 @@ private:
                                                : m_attributes.Original(path);
         }};
     test::ImportHook<struct VariableTag2, decltype(&GetEnvironmentVariableW)> m_variable{
-        "GetEnvironmentVariableW", [this](LPCWSTR name, LPWSTR buffer, DWORD size) -> DWORD {
+        "GetEnvironmentVariableW", [this](auto... all) -> DWORD {
             if (Fails("GetEnvironmentVariableW")) {
                 SetLastError(ERROR_ENVVAR_NOT_FOUND);
                 return 0;
             }
-            return m_variable.Original(name, buffer, size);
+            return m_variable.Original(all...);
         }};
 };
 

@@ -352,11 +352,10 @@ TEST_F(FolderSettings, TheSubKeysOfDebugSettingsAreJoinedWithOneBackslash) {
     for (const DebugName& c : DebugNames) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(c.name)));
         std::vector<std::wstring> opened;
-        HOOK_IMPORT(open, RegOpenKeyExW,
-                    [&](HKEY, LPCWSTR subKey, DWORD, REGSAM, PHKEY) -> LSTATUS {
-                        opened.emplace_back(subKey);
-                        return ERROR_FILE_NOT_FOUND;
-                    });
+        HOOK_IMPORT(open, RegOpenKeyExW, [&](HKEY, LPCWSTR subKey, auto...) -> LSTATUS {
+            opened.emplace_back(subKey);
+            return ERROR_FILE_NOT_FOUND;
+        });
         CKORString result;
         EXPECT_FALSE(ReadDebugSetting(c.name, result, false));
         const std::wstring expected =

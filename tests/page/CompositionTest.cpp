@@ -14,13 +14,11 @@
 
 namespace {
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-
 // A valid installation with one file, C:\KorTest\x; items that name it are shown.
 class Composition : public testing::Test {
 protected:
     Composition() {
-        m_installed.SetText(Library, L"KorVersion", L"1");
+        m_installed.SetText(test::LibraryKey, L"KorVersion", L"1");
         m_installed.MakeFile(L"C:\\KorTest\\x");
     }
 
@@ -156,7 +154,7 @@ TEST_F(Composition, ThreeColumnsAreAThirdEach) {
 }
 
 TEST_F(Composition, AnInvalidInstallationGivesTheMessageAlone) {
-    m_installed.DeleteValue(Library, L"KorVersion");
+    m_installed.DeleteValue(test::LibraryKey, L"KorVersion");
     Add(L"A", L"Alpha", 2);
     m_page.PageHtml = L"what was there before";
     m_page.WindowHeight = 55;
@@ -176,7 +174,7 @@ TEST_F(Composition, LeavesTheRowsHeightsOnRequest) {
         EXPECT_EQ(heights[0], 45 + 3 * 20);
         EXPECT_EQ(heights[1], 45);
     }
-    m_installed.DeleteValue(Library, L"KorVersion");
+    m_installed.DeleteValue(test::LibraryKey, L"KorVersion");
     m_page.ComposePage(&heights);
     EXPECT_EQ(heights.Count(), 0);
 }
@@ -206,7 +204,7 @@ TEST(ControlCenterPage, BuildsFromScratchEachTime) {
     page.BuildSections();
     EXPECT_EQ(page.Sections.Count(), 2) << "the two tool sections";
     EXPECT_EQ(page.RowCount, 1);
-    installed.SetText(Library, L"KORType", L"Development");
+    installed.SetText(test::LibraryKey, L"KORType", L"Development");
     page.BuildSections();
     EXPECT_EQ(page.Sections.Count(), 4);
     EXPECT_EQ(page.RowCount, 2);
@@ -242,11 +240,10 @@ TEST(ControlCenterPage, EndsItsSectionsBeforeItsTexts) {
 
 TEST(ControlCenterPage, AsksForTheFourFolders) {
     const test::TestInstallation installed;
-    constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
-    installed.SetText(Install, L"installdir", L"C:\\Lib\\");
-    installed.SetText(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
-    installed.SetText(std::wstring(Install) + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\AEx");
-    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Install", L"InstallationPath", L"C:\\FF");
+    installed.SetText(test::InstallKey, L"installdir", L"C:\\Lib\\");
+    installed.SetText(test::InstallKey + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
+    installed.SetText(test::InstallKey + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\AEx");
+    installed.SetText(test::FlowForgeKey, L"InstallationPath", L"C:\\FF");
     ControlCenterPage page;
     page.QueryInstallation();
     EXPECT_STREQ(page.InstallDir.Text(), L"C:\\Lib\\");

@@ -9,16 +9,23 @@
 
 namespace {
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
-const std::wstring Versions = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
+const std::wstring Versions = test::VersionsKey + L"\\";
 
-std::wstring ComposedPage(ControlCenterPage& page) {
-    page.QueryInstallation();
-    page.BuildSections();
-    page.ComposePage();
-    return page.PageHtml.Text();
-}
+// Something that has a version, and so is an installation.
+class DamagedInstallation : public testing::Test {
+protected:
+    DamagedInstallation() { m_installed.SetText(test::LibraryKey, L"KorVersion", L"1"); }
+
+    std::wstring Compose() {
+        m_page.QueryInstallation();
+        m_page.BuildSections();
+        m_page.ComposePage();
+        return m_page.PageHtml.Text();
+    }
+
+    test::TestInstallation m_installed;
+    ControlCenterPage m_page;
+};
 
 bool Contains(const std::wstring& text, const std::wstring& part) {
     return text.find(part) != std::wstring::npos;
@@ -29,65 +36,49 @@ void ExpectClosedGrid(const std::wstring& html) {
     EXPECT_EQ(html.substr(html.size() - 8), L"</table>");
 }
 
-TEST(DamagedInstallation, ValuesOfWrongTypes) {
-    const test::TestInstallation installed;
+TEST_F(DamagedInstallation, ValuesOfWrongTypes) {
     const BYTE bytes[] = {1, 2, 3, 4, 5};
-    installed.SetText(Library, L"KorVersion", L"1");
-    installed.SetBytes(Library, L"KORType", REG_BINARY, bytes, 5);
-    installed.SetBytes(Install, L"installdir", REG_QWORD, bytes, 5);
-    installed.SetBytes(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", 0x99, bytes, 5);
-    installed.SetBytes(Versions + L"3.0", L"InstallationPath", REG_SZ, bytes, 5);
-    installed.SetBytes(Versions + L"3.1", L"InstallationPath", REG_MULTI_SZ, bytes, 3);
-    ControlCenterPage page;
-    ExpectClosedGrid(ComposedPage(page));
-    EXPECT_STREQ(page.InstallDir.Text(), L"");
-    EXPECT_EQ(page.Sections.Count(), 2);
+    m_installed.SetBytes(test::LibraryKey, L"KORType", REG_BINARY, bytes, 5);
+    m_installed.SetBytes(test::InstallKey, L"installdir", REG_QWORD, bytes, 5);
+    m_installed.SetBytes(test::InstallKey + L"\\KOR", L"ExamplesRootPath", 0x99, bytes, 5);
+    m_installed.SetBytes(Versions + L"3.0", L"InstallationPath", REG_SZ, bytes, 5);
+    m_installed.SetBytes(Versions + L"3.1", L"InstallationPath", REG_MULTI_SZ, bytes, 3);
+    ExpectClosedGrid(Compose());
+    EXPECT_STREQ(m_page.InstallDir.Text(), L"");
+    EXPECT_EQ(m_page.Sections.Count(), 2);
 }
 
-TEST(DamagedInstallation, AFolderInAFilesPlaceIsStillAnExistingTarget) {
-    const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
-    installed.SetText(Install, L"installdir", L"C:\\KorTest\\");
-    installed.MakeFolder(L"C:\\KorTest\\Tools\\KorConfig.exe");
-    ControlCenterPage page;
-    EXPECT_TRUE(Contains(ComposedPage(page), L">KORConfig</SPAN>"));
+TEST_F(DamagedInstallation, AFolderInAFilesPlaceIsStillAnExistingTarget) {
+    m_installed.SetText(test::InstallKey, L"installdir", L"C:\\KorTest\\");
+    m_installed.MakeFolder(L"C:\\KorTest\\Tools\\KorConfig.exe");
+    EXPECT_TRUE(Contains(Compose(), L">KORConfig</SPAN>"));
 }
 
-TEST(DamagedInstallation, AnInstallFolderOf3000Characters) {
-    const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
-    installed.SetText(Library, L"KORType", L"Development");
+TEST_F(DamagedInstallation, AnInstallFolderOf3000Characters) {
     const std::wstring folder = L"C:\\" + std::wstring(2996, L'f') + L"\\";
-    installed.SetText(Install, L"installdir", folder);
-    ControlCenterPage page;
-    const std::wstring html = ComposedPage(page);
+    m_installed.MakeDevelopment(folder);
+    const std::wstring html = Compose();
     ExpectClosedGrid(html);
-    EXPECT_EQ(page.InstallDir.Length(), 3000);
+    EXPECT_EQ(m_page.InstallDir.Length(), 3000);
     EXPECT_FALSE(Contains(html, L"<li>"));
 }
 
-TEST(DamagedInstallation, NamesWithQuotesBracketsAndOtherLetters) {
-    const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
+TEST_F(DamagedInstallation, NamesWithQuotesBracketsAndOtherLetters) {
     const std::wstring name = L"3.0 \"<b>&'\x00e9\x4e2d\xd83d\xde00 x";
-    installed.SetText(Versions + name, L"InstallationPath", L"C:\\KorTest");
-    installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
-    ControlCenterPage page;
-    const std::wstring html = ComposedPage(page);
+    m_installed.SetText(Versions + name, L"InstallationPath", L"C:\\KorTest");
+    m_installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
+    const std::wstring html = Compose();
     EXPECT_TRUE(Contains(html, L"<h2>Flow Forge " + name + L"</h2>"));
     EXPECT_TRUE(Contains(html, L"id=FLOWFORGE-3.0-\"<b>&'\x00e9\x4e2d\xd83d\xde00-x_0 "))
         << "blanks are hyphens in the id";
     ExpectClosedGrid(html);
 }
 
-TEST(DamagedInstallation, AVersionNameOf255Characters) {
-    const test::TestInstallation installed;
-    installed.SetText(Library, L"KorVersion", L"1");
+TEST_F(DamagedInstallation, AVersionNameOf255Characters) {
     const std::wstring name(255, L'9');
-    installed.SetText(Versions + name, L"InstallationPath", L"C:\\KorTest");
-    installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
-    ControlCenterPage page;
-    EXPECT_TRUE(Contains(ComposedPage(page), L"<h2>Flow Forge " + name + L"</h2>"));
+    m_installed.SetText(Versions + name, L"InstallationPath", L"C:\\KorTest");
+    m_installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
+    EXPECT_TRUE(Contains(Compose(), L"<h2>Flow Forge " + name + L"</h2>"));
 }
 
 } // namespace

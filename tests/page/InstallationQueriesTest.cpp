@@ -14,47 +14,43 @@ namespace {
 using test::Calls;
 using test::CallsOf;
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
-constexpr wchar_t FlowForge[] = L"Vantrel\\Vantrel Flow Forge\\Install";
-
 const DWORD Number = 7;
 
 TEST(InstallFolder, IsTheValueAsStored) {
     const test::TestInstallation installed;
     EXPECT_STREQ(QueryInstallFolder().Text(), L"") << "no key";
-    installed.MakeKey(Install);
+    installed.MakeKey(test::InstallKey);
     EXPECT_STREQ(QueryInstallFolder().Text(), L"") << "no value";
-    installed.SetText(Install, L"installdir", L"C:\\Lib");
+    installed.SetText(test::InstallKey, L"installdir", L"C:\\Lib");
     EXPECT_STREQ(QueryInstallFolder().Text(), L"C:\\Lib");
-    installed.SetText(Install, L"installdir", L"C:\\Lib\\");
+    installed.SetText(test::InstallKey, L"installdir", L"C:\\Lib\\");
     EXPECT_STREQ(QueryInstallFolder().Text(), L"C:\\Lib\\");
-    installed.SetText(Install, L"installdir", L"%ProgramFiles%\\Lib", REG_EXPAND_SZ);
+    installed.SetText(test::InstallKey, L"installdir", L"%ProgramFiles%\\Lib", REG_EXPAND_SZ);
     EXPECT_STREQ(QueryInstallFolder().Text(), L"%ProgramFiles%\\Lib") << "not expanded";
-    installed.SetBytes(Install, L"installdir", REG_MULTI_SZ, L"a\0b\0", 10);
+    installed.SetBytes(test::InstallKey, L"installdir", REG_MULTI_SZ, L"a\0b\0", 10);
     EXPECT_STREQ(QueryInstallFolder().Text(), L"<a> <b>");
-    installed.SetBytes(Install, L"installdir", REG_DWORD, &Number, 4);
+    installed.SetBytes(test::InstallKey, L"installdir", REG_DWORD, &Number, 4);
     EXPECT_STREQ(QueryInstallFolder().Text(), L"") << "no text";
 }
 
 TEST(FlowForgeInstallFolder, GetsOneBackslashWheneverTheValueExists) {
     const test::TestInstallation installed;
     EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"") << "no key";
-    installed.MakeKey(FlowForge);
+    installed.MakeKey(test::FlowForgeKey);
     EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"") << "no value";
-    installed.SetText(FlowForge, L"InstallationPath", L"C:\\Tools\\FF");
+    installed.SetText(test::FlowForgeKey, L"InstallationPath", L"C:\\Tools\\FF");
     EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"C:\\Tools\\FF\\");
-    installed.SetText(FlowForge, L"InstallationPath", L"C:\\Tools\\FF\\");
+    installed.SetText(test::FlowForgeKey, L"InstallationPath", L"C:\\Tools\\FF\\");
     EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"C:\\Tools\\FF\\\\");
-    installed.SetBytes(FlowForge, L"InstallationPath", REG_DWORD, &Number, 4);
+    installed.SetBytes(test::FlowForgeKey, L"InstallationPath", REG_DWORD, &Number, 4);
     EXPECT_STREQ(QueryFlowForgeInstallFolder().Text(), L"\\") << "no text";
 }
 
 TEST(ExamplesRoot, IsReadForEachProduct) {
     const test::TestInstallation installed;
     EXPECT_STREQ(QueryExamplesRoot(L"KOR").Text(), L"");
-    installed.SetText(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
-    installed.SetText(std::wstring(Install) + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\AEx\\");
+    installed.SetText(test::InstallKey + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
+    installed.SetText(test::InstallKey + L"\\ActiveKor", L"ExamplesRootPath", L"C:\\AEx\\");
     EXPECT_STREQ(QueryExamplesRoot(L"KOR").Text(), L"C:\\Ex");
     EXPECT_STREQ(QueryExamplesRoot(L"ActiveKor").Text(), L"C:\\AEx\\");
     EXPECT_STREQ(QueryExamplesRoot(L"Other").Text(), L"");
@@ -68,28 +64,28 @@ TEST(DevelopmentInstallation, ComparesTheTypeWithoutRegardToCase) {
         {L"Development ", false}, {L"Runtime", false},    {L"", false},
     };
     for (const auto& [type, isDevelopment] : cases) {
-        installed.SetText(Library, L"KORType", type);
+        installed.SetText(test::LibraryKey, L"KORType", type);
         EXPECT_EQ(IsDevelopmentInstallation(), isDevelopment)
             << testing::PrintToString(std::wstring(type));
     }
-    installed.SetBytes(Library, L"KORType", REG_DWORD, &Number, 4);
+    installed.SetBytes(test::LibraryKey, L"KORType", REG_DWORD, &Number, 4);
     EXPECT_FALSE(IsDevelopmentInstallation()) << "no text";
 }
 
 TEST(ValidInstallation, NeedsAVersionThatIsText) {
     const test::TestInstallation installed;
     EXPECT_FALSE(IsValidInstallation()) << "no key";
-    installed.MakeKey(Library);
+    installed.MakeKey(test::LibraryKey);
     EXPECT_FALSE(IsValidInstallation()) << "no value";
-    installed.SetText(Library, L"KorVersion", L"10.50");
+    installed.SetText(test::LibraryKey, L"KorVersion", L"10.50");
     EXPECT_TRUE(IsValidInstallation());
-    installed.SetText(Library, L"KorVersion", L"");
+    installed.SetText(test::LibraryKey, L"KorVersion", L"");
     EXPECT_TRUE(IsValidInstallation()) << "an empty text is a text";
-    installed.SetBytes(Library, L"KorVersion", REG_MULTI_SZ, L"", 2);
+    installed.SetBytes(test::LibraryKey, L"KorVersion", REG_MULTI_SZ, L"", 2);
     EXPECT_TRUE(IsValidInstallation());
-    installed.SetBytes(Library, L"KorVersion", REG_DWORD, &Number, 4);
+    installed.SetBytes(test::LibraryKey, L"KorVersion", REG_DWORD, &Number, 4);
     EXPECT_FALSE(IsValidInstallation());
-    installed.SetBytes(Library, L"KorVersion", REG_BINARY, &Number, 4);
+    installed.SetBytes(test::LibraryKey, L"KorVersion", REG_BINARY, &Number, 4);
     EXPECT_FALSE(IsValidInstallation());
 }
 
@@ -101,11 +97,9 @@ Calls OneRead(const std::string& key, const std::string& value) {
 
 TEST(InstallationQueries, MakeTheCallsOfOneReadEach) {
     const test::TestInstallation installed;
-    installed.SetText(Install, L"installdir", L"C:\\Lib\\");
-    installed.SetText(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
-    installed.SetText(FlowForge, L"InstallationPath", L"C:\\FF");
-    installed.SetText(Library, L"KORType", L"Development");
-    installed.SetText(Library, L"KorVersion", L"1");
+    installed.MakeDevelopment(L"C:\\Lib\\");
+    installed.SetText(test::InstallKey + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
+    installed.SetText(test::FlowForgeKey, L"InstallationPath", L"C:\\FF");
 
     EXPECT_EQ(
         CallsOf([] { QueryInstallFolder(); }),
@@ -125,7 +119,7 @@ TEST(InstallationQueries, StopAtAMissingValueOrKey) {
     const test::TestInstallation installed;
     EXPECT_EQ(CallsOf([] { QueryInstallFolder(); }),
               (Calls{"open Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install"}));
-    installed.MakeKey(Install);
+    installed.MakeKey(test::InstallKey);
     EXPECT_EQ(CallsOf([] { QueryInstallFolder(); }),
               (Calls{"open Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\install",
                      "probe installdir", "close"}));

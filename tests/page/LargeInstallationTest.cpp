@@ -13,11 +13,10 @@ namespace {
 TEST(LargeInstallation, AThousandVersionsHaveAThousandSections) {
     const test::PlainMemory plain;
     const test::TestInstallation installed;
-    const std::wstring versions = L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\";
-    installed.SetText(L"Vantrel\\Vantrel Imaging Library", L"KorVersion", L"1");
+    installed.SetText(test::LibraryKey, L"KorVersion", L"1");
     installed.MakeFile(L"C:\\KorTest\\FlowForge.exe");
     for (int i = 0; i < 1000; ++i) {
-        installed.SetText(versions + L"3." + std::to_wstring(i), L"InstallationPath",
+        installed.SetText(test::VersionsKey + L"\\3." + std::to_wstring(i), L"InstallationPath",
                           L"C:\\KorTest");
     }
     const std::int64_t before = test::LiveBlocks();

@@ -77,7 +77,7 @@ TEST(ScreenMetrics, AreReadInTheirOrder) {
 
 TEST(ScreenMetrics, WithoutADeviceContextTheScreenIsUnscaled) {
     HOOK_IMPORT(get, GetDC, [](HWND) { return HDC{nullptr}; });
-    HOOK_IMPORT(capability, GetDeviceCaps, [](HDC, int) {
+    HOOK_IMPORT(capability, GetDeviceCaps, [](auto...) {
         ADD_FAILURE() << "asked without a device context";
         return 0;
     });

@@ -83,8 +83,6 @@ Steps StepsOf(const Query& query) {
     return steps;
 }
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
-constexpr wchar_t Install[] = L"Vantrel\\Vantrel Imaging Library\\Runtime\\install";
 constexpr char InstallPath[] = "M_KOR_HKEY_LOCAL_MACHINE_RUNTIME\\install";
 constexpr char LibraryPath[] = "HKEY_LOCAL_MACHINE\\SOFTWARE\\Vantrel\\Vantrel Imaging Library";
 constexpr char FlowForgePath[] =
@@ -110,18 +108,16 @@ void ExpectTheSteps() {
 
 TEST(QuerySteps, EachPointsItsKeyAtItsPathInItsWayAndClosesIt) {
     const test::TestInstallation installed;
-    installed.SetText(Install, L"installdir", L"C:\\Lib\\");
-    installed.SetText(std::wstring(Install) + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
-    installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Install", L"InstallationPath", L"C:\\FF");
-    installed.SetText(Library, L"KORType", L"Development");
-    installed.SetText(Library, L"KorVersion", L"1");
+    installed.MakeDevelopment(L"C:\\Lib\\");
+    installed.SetText(test::InstallKey + L"\\KOR", L"ExamplesRootPath", L"C:\\Ex");
+    installed.SetText(test::FlowForgeKey, L"InstallationPath", L"C:\\FF");
     ExpectTheSteps();
 }
 
 TEST(QuerySteps, WithoutItsValueTheKeyIsClosedToo) {
     const test::TestInstallation installed;
-    installed.MakeKey(std::wstring(Install) + L"\\KOR");
-    installed.MakeKey(L"Vantrel\\Vantrel Flow Forge\\Install");
+    installed.MakeKey(test::InstallKey + L"\\KOR");
+    installed.MakeKey(test::FlowForgeKey);
     ExpectTheSteps();
 }
 

@@ -23,7 +23,6 @@ Calls ReadOf(const std::string& value) {
     return {"probe " + value, "type " + value, "probe " + value, "read " + value};
 }
 
-constexpr wchar_t Library[] = L"Vantrel\\Vantrel Imaging Library";
 constexpr char LibraryKey[] = "SOFTWARE\\Vantrel\\Vantrel Imaging Library";
 constexpr char VersionsKey[] = "SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Installed Versions";
 constexpr char VersionKey[] = "SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0";
@@ -32,12 +31,11 @@ constexpr char VersionKey[] = "SOFTWARE\\Vantrel\\Vantrel Flow Forge\\Installed 
 class FullInstallation {
 public:
     FullInstallation() {
-        m_installed.SetText(Library, L"KORType", L"Development");
-        m_installed.SetText(Library, L"KorVersion", L"1");
-        m_installed.MakeKey(std::wstring(Library) + L"\\RTX");
+        m_installed.SetText(test::LibraryKey, L"KORType", L"Development");
+        m_installed.SetText(test::LibraryKey, L"KorVersion", L"1");
+        m_installed.MakeKey(test::LibraryKey + L"\\RTX");
         m_installed.MakeKey(L"Vantrel\\Vantrel Flow Forge\\Active Runtime");
-        m_installed.SetText(L"Vantrel\\Vantrel Flow Forge\\Installed Versions\\3.0",
-                            L"InstallationPath", L"C:\\KorTest\\FF");
+        m_installed.SetText(test::VersionsKey + L"\\3.0", L"InstallationPath", L"C:\\KorTest\\FF");
         m_installed.MakeFile(L"C:\\KorTest\\FF\\FlowForge.exe");
         m_installed.MakeFile(L"C:\\KorTest\\FF\\Tools\\FlowForgeRuntimeManager.exe");
         m_installed.MakeFile(L"C:\\KorTest\\Tools\\TimeScope.exe");

@@ -284,8 +284,9 @@ private:
         "RegQueryValueExW", [this](HKEY, LPCWSTR name, LPDWORD, LPDWORD type, LPBYTE buffer,
                                    LPDWORD size) { return Query(name, type, buffer, size); }};
     test::ImportHook<struct EnumTag, decltype(&RegEnumValueW)> m_enum{
-        "RegEnumValueW", [this](HKEY, DWORD index, LPWSTR name, LPDWORD length, LPDWORD, LPDWORD,
-                                LPBYTE, LPDWORD) { return List(index, name, length); }};
+        "RegEnumValueW", [this](HKEY, DWORD index, LPWSTR name, LPDWORD length, auto...) {
+            return List(index, name, length);
+        }};
     test::ImportHook<struct SetTag, decltype(&RegSetValueExW)> m_set{
         "RegSetValueExW",
         [this](HKEY, LPCWSTR name, DWORD, DWORD type, const BYTE* data, DWORD size) -> LSTATUS {

@@ -16,17 +16,7 @@ namespace {
 
 using test::TestSubKey;
 
-class BareHandles : public test::RegistryTest {
-protected:
-    void SetUp() override {
-        RegistryTest::SetUp();
-        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey);
-    }
-
-    static void Set(const std::wstring& name, const test::RawValue& value) {
-        test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, value);
-    }
-};
+using BareHandles = test::MachineKeyTest;
 
 struct TracedRead {
     bool result;
@@ -103,7 +93,7 @@ TEST_F(BareHandles, TracedReadsTellEverything) {
 
 TEST_F(BareHandles, TracedReadsPrintNumbersWithoutASign) {
     HOOK_IMPORT(query, RegQueryValueExW,
-                [](HKEY, LPCWSTR, LPDWORD, LPDWORD type, LPBYTE, LPDWORD) -> LSTATUS {
+                [](HKEY, LPCWSTR, LPDWORD, LPDWORD type, auto...) -> LSTATUS {
                     *type = 0x80000001;
                     return static_cast<LSTATUS>(0xffffffffU);
                 });
@@ -114,7 +104,7 @@ TEST_F(BareHandles, TracedReadsPrintNumbersWithoutASign) {
 TEST_F(BareHandles, CountZeroAfterAFailure) {
     HOOK_IMPORT(info, RegQueryInfoKeyW,
                 [](HKEY, LPWSTR, LPDWORD, LPDWORD, LPDWORD subKeys, LPDWORD, LPDWORD,
-                   LPDWORD values, LPDWORD, LPDWORD, LPDWORD, PFILETIME) -> LSTATUS {
+                   LPDWORD values, auto...) -> LSTATUS {
                     *(subKeys != nullptr ? subKeys : values) = 5;
                     return ERROR_ACCESS_DENIED;
                 });

@@ -15,13 +15,8 @@ using Names = std::vector<std::wstring>;
 
 const std::wstring VolatileKey = Runtime + L"\\volatile";
 
-class DueStamp : public test::RegistryTest {
+class DueStamp : public test::WritableTest {
 protected:
-    void SetUp() override {
-        RegistryTest::SetUp();
-        CRegistryKey::SetAllowWritesAnywhere();
-    }
-
     static std::optional<test::RawValue> Stamp(HKEY hive, const std::wstring& volatileKey) {
         return test::GetRaw(hive, volatileKey, L"ValueCreator");
     }
@@ -48,12 +43,12 @@ private:
     int m_refused = 0;
     test::ImportHook<struct RefusedOpeningTag, decltype(&RegOpenKeyExW)> m_open{
         "RegOpenKeyExW",
-        [this](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) -> LSTATUS {
+        [this](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, auto... rest) -> LSTATUS {
             if (m_refused < m_left && IsMeant(subKey, access)) {
                 ++m_refused;
                 return ERROR_ACCESS_DENIED;
             }
-            return m_open.Original(root, subKey, options, access, result);
+            return m_open.Original(root, subKey, options, access, rest...);
         }};
 };
 
@@ -151,10 +146,7 @@ TEST_F(DueStamp, AFailedWriteLeavesItDue) {
     CRegistryKey key;
     ASSERT_TRUE(key.OpenCurrentUserRuntime(L"volatile", true));
     {
-        HOOK_IMPORT(set, RegSetValueExW,
-                    [](HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) -> LSTATUS {
-                        return ERROR_ACCESS_DENIED;
-                    });
+        HOOK_IMPORT(set, RegSetValueExW, test::Refused);
         EXPECT_FALSE(key.WriteDword(L"failed", 1U));
     }
     EXPECT_TRUE(key.WriteString(L"written", L"x"));

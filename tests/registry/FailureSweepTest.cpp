@@ -31,12 +31,12 @@ enum Where : char {
 
 struct Operation {
     const char* name;
-    const wchar_t* start; // null: the operation works on a closed object
-    const wchar_t* end;   // the full name after Moved
     std::function<bool(CRegistryKey&)> run;
     // One pair a system call that the undisturbed operation makes: '+' or '-' for its result when
     // that call fails, and where the object is then.
     std::string outcomes;
+    const wchar_t* start = UserKey; // null: the operation works on a closed object
+    const wchar_t* end = nullptr;   // the full name after Moved
 };
 
 constexpr wchar_t VolatileX[] = L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging "
@@ -87,189 +87,158 @@ bool Lists(const CRegistryKey& key, bool (CRegistryKey::*list)(CTable1D<CKORStri
 
 const Operation Operations[] = {
     // Opening: the per-user root has a stand-in, everything else is needed.
-    {"Open", nullptr, UserKey, [](CRegistryKey& key) { return key.Open(UserKey, false); }, "+M-G"},
-    {"Open to create", nullptr, UserKey, [](CRegistryKey& key) { return key.Open(UserKey, true); },
-     "+M-G"},
+    {"Open", [](auto& key) { return key.Open(UserKey, false); }, "+M-G", nullptr, UserKey},
+    {"Open to create", [](auto& key) { return key.Open(UserKey, true); }, "+M-G", nullptr, UserKey},
     // A refused close of the key that is left does not keep the new one from being opened.
-    {"Open again", UserKey, L"HKEY_LOCAL_MACHINE\\Software",
-     [](CRegistryKey& key) { return key.Open(L"HKEY_LOCAL_MACHINE\\Software", false); }, "+M+M-G"},
-    {"OpenSymbolic", nullptr, L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library",
-     [](CRegistryKey& key) {
-         return key.OpenSymbolic(SymbolicRootId::LocalMachineRoot, L"", false);
-     },
-     "-G"},
-    {"OpenLocalMachineRuntime", nullptr,
-     L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\x",
-     [](CRegistryKey& key) { return key.OpenLocalMachineRuntime(L"x", true); }, "-G"},
-    {"OpenCurrentUserRuntime", nullptr,
-     L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime",
-     [](CRegistryKey& key) { return key.OpenCurrentUserRuntime(L"", false); }, "+M-G"},
+    {"Open again", [](auto& key) { return key.Open(L"HKEY_LOCAL_MACHINE\\Software", false); },
+     "+M+M-G", UserKey, L"HKEY_LOCAL_MACHINE\\Software"},
+    {"OpenSymbolic",
+     [](auto& key) { return key.OpenSymbolic(SymbolicRootId::LocalMachineRoot, L"", false); }, "-G",
+     nullptr, L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library"},
+    {"OpenLocalMachineRuntime", [](auto& key) { return key.OpenLocalMachineRuntime(L"x", true); },
+     "-G", nullptr, L"HKEY_LOCAL_MACHINE\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\x"},
+    {"OpenCurrentUserRuntime", [](auto& key) { return key.OpenCurrentUserRuntime(L"", false); },
+     "+M-G", nullptr, L"HKEY_CURRENT_USER\\Software\\Vantrel\\Vantrel Imaging Library\\Runtime"},
     // Its flush and its two closings are at its end.
-    {"Construct to create", nullptr, L"",
-     [](CRegistryKey&) { return CRegistryKey(UserKey, true).IsOpen(); }, "+G-G+G+G+G"},
-    {"Close and OpenResolved", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.Close(true) && key.OpenResolved(false, true, true); },
-     "-S-L"},
-    {"ReopenForWrite", UserKey, nullptr, [](CRegistryKey& key) { return key.ReopenForWrite(true); },
-     "-S-S"},
-    {"ReopenForWrite to read", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.ReopenForWrite(false); }, "-S-L"},
-    {"OpenRelative", UserKey, L"HKEY_CURRENT_USER\\Software\\KORTests\\a",
-     [](CRegistryKey& key) { return key.OpenRelative(L"a"); }, "-L-L"},
-    {"Close", UserKey, L"", [](CRegistryKey& key) { return key.Close(); }, "-G-G"},
-    {"CloseIfOpen", UserKey, L"", [](CRegistryKey& key) { return key.CloseIfOpen(); }, "-G-G"},
-    {"Flush", UserKey, nullptr, [](CRegistryKey& key) { return key.Flush(); }, "-S"},
-    {"FlushCreated", UserKey, nullptr, [](CRegistryKey& key) { return key.FlushCreated(); }, "-S"},
+    {"Construct to create", [](auto&) { return CRegistryKey(UserKey, true).IsOpen(); },
+     "+G-G+G+G+G", nullptr, L""},
+    {"Close and OpenResolved",
+     [](auto& key) { return key.Close(true) && key.OpenResolved(false, true, true); }, "-S-L"},
+    {"ReopenForWrite", [](auto& key) { return key.ReopenForWrite(true); }, "-S-S"},
+    {"ReopenForWrite to read", [](auto& key) { return key.ReopenForWrite(false); }, "-S-L"},
+    {"OpenRelative", [](auto& key) { return key.OpenRelative(L"a"); }, "-L-L", UserKey,
+     L"HKEY_CURRENT_USER\\Software\\KORTests\\a"},
+    {"Close", [](auto& key) { return key.Close(); }, "-G-G", UserKey, L""},
+    {"CloseIfOpen", [](auto& key) { return key.CloseIfOpen(); }, "-G-G", UserKey, L""},
+    {"Flush", [](auto& key) { return key.Flush(); }, "-S"},
+    {"FlushCreated", [](auto& key) { return key.FlushCreated(); }, "-S"},
     // Reading.
-    {"ValueExists", UserKey, nullptr, [](CRegistryKey& key) { return key.ValueExists(Name); },
-     "-S"},
-    {"ReadDword", UserKey, nullptr,
-     [](CRegistryKey& key) { return Reads<std::uint32_t>(key, &CRegistryKey::ReadDword, Name); },
+    {"ValueExists", [](auto& key) { return key.ValueExists(Name); }, "-S"},
+    {"ReadDword",
+     [](auto& key) { return Reads<std::uint32_t>(key, &CRegistryKey::ReadDword, Name); }, "-S-S"},
+    {"ReadDwordAsInt64",
+     [](auto& key) { return Reads<std::int64_t>(key, &CRegistryKey::ReadDwordAsInt64, Name); },
      "-S-S"},
-    {"ReadDwordAsInt64", UserKey, nullptr,
-     [](CRegistryKey& key) {
-         return Reads<std::int64_t>(key, &CRegistryKey::ReadDwordAsInt64, Name);
-     },
+    {"ReadDwordAsUInt64",
+     [](auto& key) { return Reads<std::uint64_t>(key, &CRegistryKey::ReadDwordAsUInt64, Name); },
      "-S-S"},
-    {"ReadDwordAsUInt64", UserKey, nullptr,
-     [](CRegistryKey& key) {
-         return Reads<std::uint64_t>(key, &CRegistryKey::ReadDwordAsUInt64, Name);
-     },
-     "-S-S"},
-    {"ReadQword", ReadsKey, nullptr,
-     [](CRegistryKey& key) { return Reads<std::uint64_t>(key, &CRegistryKey::ReadQword, L"q"); },
-     "-S-S"},
-    {"QueryValue", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.QueryValue(Name, RegValueType::Dword); }, "-S-S"},
-    {"GetValueType", UserKey, nullptr,
-     [](CRegistryKey& key) {
+    {"ReadQword",
+     [](auto& key) { return Reads<std::uint64_t>(key, &CRegistryKey::ReadQword, L"q"); }, "-S-S",
+     ReadsKey},
+    {"QueryValue", [](auto& key) { return key.QueryValue(Name, RegValueType::Dword); }, "-S-S"},
+    {"GetValueType",
+     [](auto& key) {
          RegValueType type = RegValueType::Unknown;
          return key.GetValueType(Name, type);
      },
      "-S"},
-    {"QueryValueTraced", nullptr, L"",
-     [](CRegistryKey&) {
+    {"QueryValueTraced",
+     [](auto&) {
          RegValueType type = RegValueType::Dword;
          std::uint32_t value = 0;
          std::uint64_t size = sizeof value;
          bool hasMoreData = false;
          return CRegistryKey::QueryValueTraced(BareKey, Name, type, &value, size, hasMoreData);
      },
-     "-G"},
-    {"ReadString of a multi-string", ReadsKey, nullptr,
-     [](CRegistryKey& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, L"m"); },
+     "-G", nullptr, L""},
+    {"ReadString of a multi-string",
+     [](auto& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, L"m"); }, "-S-S-S",
+     ReadsKey},
+    {"ReadString",
+     [](auto& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, TextName); },
      "-S-S-S"},
-    {"ReadString", UserKey, nullptr,
-     [](CRegistryKey& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, TextName); },
-     "-S-S-S"},
-    {"ReadString of a long value", UserKey, nullptr,
-     [](CRegistryKey& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, LongName); },
+    {"ReadString of a long value",
+     [](auto& key) { return Reads<CKORString>(key, &CRegistryKey::ReadString, LongName); },
      "-S-S-S-S"},
-    {"ReadBinary", UserKey, nullptr,
-     [](CRegistryKey& key) {
+    {"ReadBinary",
+     [](auto& key) {
          BYTE data[8] = {};
          std::uint64_t size = sizeof data;
          return key.ReadBinary(L"b", data, size);
      },
      "-S-S"},
-    {"GetSubKeyCount", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.GetSubKeyCount() != 0; }, "-S"},
-    {"GetValueCount", UserKey, nullptr, [](CRegistryKey& key) { return key.GetValueCount() != 0; },
-     "-S"},
-    {"EnumSubKeyNames", UserKey, nullptr,
-     [](CRegistryKey& key) { return Lists(key, &CRegistryKey::EnumSubKeyNames); }, "-S-S-S"},
-    {"EnumValueNames", L"HKEY_CURRENT_USER\\Software\\KORTests\\a", nullptr,
-     [](CRegistryKey& key) { return Lists(key, &CRegistryKey::EnumValueNames); }, "-S-S"},
-    {"VisitSubKeyNames", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.VisitSubKeyNames([](const wchar_t*) { return true; }); },
+    {"GetSubKeyCount", [](auto& key) { return key.GetSubKeyCount() != 0; }, "-S"},
+    {"GetValueCount", [](auto& key) { return key.GetValueCount() != 0; }, "-S"},
+    {"EnumSubKeyNames", [](auto& key) { return Lists(key, &CRegistryKey::EnumSubKeyNames); },
      "-S-S-S"},
-    {"VisitValueNames", L"HKEY_CURRENT_USER\\Software\\KORTests\\a", nullptr,
-     [](CRegistryKey& key) { return key.VisitValueNames([](const wchar_t*) { return true; }); },
-     "-S-S"},
-    {"SubKeyExists", UserKey, nullptr, [](CRegistryKey& key) { return key.SubKeyExists(L"a"); },
-     "-S+S"},
+    {"EnumValueNames", [](auto& key) { return Lists(key, &CRegistryKey::EnumValueNames); }, "-S-S",
+     L"HKEY_CURRENT_USER\\Software\\KORTests\\a"},
+    {"VisitSubKeyNames",
+     [](auto& key) { return key.VisitSubKeyNames([](const wchar_t*) { return true; }); }, "-S-S-S"},
+    {"VisitValueNames",
+     [](auto& key) { return key.VisitValueNames([](const wchar_t*) { return true; }); }, "-S-S",
+     L"HKEY_CURRENT_USER\\Software\\KORTests\\a"},
+    {"SubKeyExists", [](auto& key) { return key.SubKeyExists(L"a"); }, "-S+S"},
     // Writing: a refused reopening for reading closes the object, a refused one for writing not.
-    {"WriteDword", UserKey, nullptr, [](CRegistryKey& key) { return key.WriteDword(Name, 7U); },
+    {"WriteDword", [](auto& key) { return key.WriteDword(Name, 7U); }, "-S-S-S-S-L"},
+    {"WriteQword", [](auto& key) { return key.WriteQword(Name, std::uint64_t{7}); }, "-S-S-S-S-L"},
+    {"WriteString", [](auto& key) { return key.WriteString(Name, TextName); }, "-S-S-S-S-L"},
+    {"WriteExpandString", [](auto& key) { return key.WriteExpandString(Name, TextName); },
      "-S-S-S-S-L"},
-    {"WriteQword", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.WriteQword(Name, std::uint64_t{7}); }, "-S-S-S-S-L"},
-    {"WriteString", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.WriteString(Name, TextName); }, "-S-S-S-S-L"},
-    {"WriteExpandString", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.WriteExpandString(Name, TextName); }, "-S-S-S-S-L"},
-    {"WriteBinary", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.WriteBinary(Name, "abc", 3); }, "-S-S-S-S-L"},
-    {"WriteValue", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.WriteValue(Name, RegValueType::Binary, "abc", 3); },
+    {"WriteBinary", [](auto& key) { return key.WriteBinary(Name, "abc", 3); }, "-S-S-S-S-L"},
+    {"WriteValue", [](auto& key) { return key.WriteValue(Name, RegValueType::Binary, "abc", 3); },
      "-S-S-S-S-L"},
-    {"DeleteValue", UserKey, nullptr, [](CRegistryKey& key) { return key.DeleteValue(Name); },
-     "-S-S-S-S-L"},
-    {"CreateSubKey", UserKey, nullptr, [](CRegistryKey& key) { return key.CreateSubKey(L"new"); },
-     "-S-S-S+S-S-L"},
+    {"DeleteValue", [](auto& key) { return key.DeleteValue(Name); }, "-S-S-S-S-L"},
+    {"CreateSubKey", [](auto& key) { return key.CreateSubKey(L"new"); }, "-S-S-S+S-S-L"},
     // Walking and changing.
-    {"DeleteTree", UserKey, nullptr, [](CRegistryKey& key) { return key.DeleteTree(L"a"); },
-     Times(24, "-S") + "+S+S"},
-    {"DeleteSubKey", UserKey, nullptr, [](CRegistryKey& key) { return key.DeleteSubKey(L"a"); },
+    {"DeleteTree", [](auto& key) { return key.DeleteTree(L"a"); }, Times(24, "-S") + "+S+S"},
+    {"DeleteSubKey", [](auto& key) { return key.DeleteSubKey(L"a"); },
      Times(26, "-S") + "+S+S-S-S-L"},
-    {"DeleteSubKey of a path", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.DeleteSubKey(L"a\\aa"); },
+    {"DeleteSubKey of a path", [](auto& key) { return key.DeleteSubKey(L"a\\aa"); },
      "+S" + Times(13, "-S") + "+S+S-S-S-S+S+S+S"},
-    {"CopyValues", UserKey, nullptr,
-     [](CRegistryKey& key) { return key.CopyValues(CKORString(UserKey) + L"\\copy"); },
+    {"CopyValues", [](auto& key) { return key.CopyValues(CKORString(UserKey) + L"\\copy"); },
      Times(4, "+S") + Times(6, "-S") + Times(37, "+S")},
-    {"CopyTree", UserKey, nullptr,
-     [](CRegistryKey& key) {
+    {"CopyTree",
+     [](auto& key) {
          const CKORString target = CKORString(UserKey) + L"\\copy";
          return key.CopyTree(target, target);
      },
      Times(4, "+S") + Times(6, "-S") + Times(103, "+S")},
-    {"ClearCurrentUserVolatile", nullptr, L"",
-     [](CRegistryKey& key) { return key.ClearCurrentUserVolatile(); },
-     "+G+G" + Times(18, "-G") + "+G+G+G+G"},
-    {"Open a volatile location", nullptr, VolatileX,
-     [](CRegistryKey& key) { return OpenVolatile(key); },
-     "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G"},
+    {"ClearCurrentUserVolatile", [](auto& key) { return key.ClearCurrentUserVolatile(); },
+     "+G+G" + Times(18, "-G") + "+G+G+G+G", nullptr, L""},
+    {"Open a volatile location", [](auto& key) { return OpenVolatile(key); },
+     "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G", nullptr, VolatileX},
     // The key "volatile" is there already. When it cannot be seen, it counts as missing: with
     // creation it is stamped anew.
-    {"Open a stamped location", nullptr, VolatileDeep,
-     [](CRegistryKey& key) { return key.OpenCurrentUserRuntime(L"volatile\\deep", false); },
-     "+M-G-G+M+M+M+M-G"},
-    {"Open a stamped location to create", nullptr, VolatileDeep,
-     [](CRegistryKey& key) { return key.OpenCurrentUserRuntime(L"volatile\\deep", true); },
-     "+M-G+M+M+M+M+M-G"},
-    {"Write a stamped value", nullptr, VolatileX,
-     [](CRegistryKey& key) { return OpenVolatile(key) && key.WriteDword(Name, 1U); },
+    {"Open a stamped location",
+     [](auto& key) { return key.OpenCurrentUserRuntime(L"volatile\\deep", false); },
+     "+M-G-G+M+M+M+M-G", nullptr, VolatileDeep},
+    {"Open a stamped location to create",
+     [](auto& key) { return key.OpenCurrentUserRuntime(L"volatile\\deep", true); },
+     "+M-G+M+M+M+M+M-G", nullptr, VolatileDeep},
+    {"Write a stamped value",
+     [](auto& key) { return OpenVolatile(key) && key.WriteDword(Name, 1U); },
      "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G" + Times(4, "-M") + "-A" +
-         Times(7, "+M")},
-    {"Lock and unlock", nullptr, VolatileX,
-     [](CRegistryKey& key) {
-         return OpenVolatile(key) && key.LockVolatile() && key.UnlockVolatile();
-     },
-     "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G+M" + Times(4, "-M")},
+         Times(7, "+M"),
+     nullptr, VolatileX},
+    {"Lock and unlock",
+     [](auto& key) { return OpenVolatile(key) && key.LockVolatile() && key.UnlockVolatile(); },
+     "+M-G" + Times(4, "+M") + "-G" + Times(17, "+M") + "-G+M" + Times(4, "-M"), nullptr,
+     VolatileX},
     // On a handle alone.
-    {"ValueExists of a handle", nullptr, L"",
-     [](CRegistryKey&) { return ValueExists(BareKey, Name); }, "-G"},
-    {"GetSubKeyCount of a handle", nullptr, L"",
-     [](CRegistryKey&) {
+    {"ValueExists of a handle", [](auto&) { return ValueExists(BareKey, Name); }, "-G", nullptr,
+     L""},
+    {"GetSubKeyCount of a handle",
+     [](auto&) {
          std::uint64_t count = 0;
          return GetSubKeyCount(BareKey, count) && count == 2;
      },
-     "-G"},
-    {"GetValueCount of a handle", nullptr, L"",
-     [](CRegistryKey&) {
+     "-G", nullptr, L""},
+    {"GetValueCount of a handle",
+     [](auto&) {
          std::uint64_t count = 0;
          return GetValueCount(BareKey, count) && count == 4;
      },
-     "-G"},
-    {"FlushKeyHandle", nullptr, L"", [](CRegistryKey&) { return FlushKeyHandle(BareKey); }, "-G"},
-    {"CloseKeyHandle", nullptr, L"",
-     [](CRegistryKey&) {
+     "-G", nullptr, L""},
+    {"FlushKeyHandle", [](auto&) { return FlushKeyHandle(BareKey); }, "-G", nullptr, L""},
+    {"CloseKeyHandle",
+     [](auto&) {
          HKEY opened = nullptr;
          return RegOpenKeyExW(HKEY_CURRENT_USER, TestSubKey, 0, KEY_READ, &opened) ==
                     ERROR_SUCCESS &&
                 CloseKeyHandle(opened);
      },
-     "-G-G"},
+     "-G-G", nullptr, L""},
 };
 
 class FailureSweep : public test::RegistryTest {

@@ -33,6 +33,25 @@ void RegistryTest::SetUp() {
     CRegistryKey::ClearAllowWritesAnywhere();
 }
 
+void MachineKeyTest::SetUp() {
+    RegistryTest::SetUp();
+    MakeKey(HKEY_LOCAL_MACHINE, TestSubKey);
+}
+
+void WritableTest::SetUp() {
+    RegistryTest::SetUp();
+    CRegistryKey::SetAllowWritesAnywhere();
+}
+
+testing::AssertionResult IsReset(const CRegistryKey& key) {
+    const CKORString name = key.GetFullName();
+    if (!key.IsOpen() && name == L"") {
+        return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure()
+           << (key.IsOpen() ? "open, at " : "closed, at ") << testing::PrintToString(name);
+}
+
 void RegistryTest::TearDown() {
     CRegistryKey::SetRtxMode(false);
     CRegistryKey::ClearAllowWritesAnywhere();

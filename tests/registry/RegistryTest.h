@@ -27,6 +27,25 @@ protected:
     void TearDown() override;
 };
 
+// The same, with the machine's test key made.
+class MachineKeyTest : public RegistryTest {
+protected:
+    void SetUp() override;
+
+    static void Set(const std::wstring& name, const RawValue& value) {
+        SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, value);
+    }
+};
+
+// The same, with writes allowed everywhere.
+class WritableTest : public RegistryTest {
+protected:
+    void SetUp() override;
+};
+
+// An object that is closed and knows no key.
+testing::AssertionResult IsReset(const CRegistryKey& key);
+
 inline const std::wstring Vantrel = L"Software\\Vantrel";
 inline const std::wstring Library = Vantrel + L"\\Vantrel Imaging Library";
 inline const std::wstring Runtime = Library + L"\\Runtime";

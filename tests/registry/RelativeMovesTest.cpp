@@ -56,17 +56,14 @@ constexpr MoveRow Moves[] = {
 TEST_F(RelativeMoves, FollowThePathFromItsLeft) {
     for (const MoveRow& row : Moves) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(row.path)));
-        test::RegistryCalls calls;
-        {
-            CRegistryKey key(Start);
-            ASSERT_TRUE(key.IsOpen());
-            const bool moved = row.end != nullptr;
-            EXPECT_EQ(key.OpenRelative(row.path), moved);
-            EXPECT_EQ(key.IsOpen(), moved);
-            EXPECT_EQ(key.GetFullName(),
-                      moved ? CKORString(L"HKEY_CURRENT_USER") + row.end : CKORString(Start));
-        }
-        EXPECT_EQ(calls.HandleFaults(), "");
+        test::BalancedCalls calls;
+        CRegistryKey key(Start);
+        ASSERT_TRUE(key.IsOpen());
+        const bool moved = row.end != nullptr;
+        EXPECT_EQ(key.OpenRelative(row.path), moved);
+        EXPECT_EQ(key.IsOpen(), moved);
+        EXPECT_EQ(key.GetFullName(),
+                  moved ? CKORString(L"HKEY_CURRENT_USER") + row.end : CKORString(Start));
     }
 }
 

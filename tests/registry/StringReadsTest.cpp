@@ -5,15 +5,8 @@
 namespace {
 
 using test::MachineKey;
-using test::TestSubKey;
 
-class StringReads : public test::RegistryTest {
-protected:
-    void SetUp() override {
-        RegistryTest::SetUp();
-        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey);
-    }
-};
+using StringReads = test::MachineKeyTest;
 
 struct ItemsRow {
     std::wstring data;

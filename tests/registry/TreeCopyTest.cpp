@@ -8,6 +8,13 @@ using Tree = std::vector<std::wstring>;
 
 using TreeCopy = test::TreeTest;
 
+constexpr wchar_t Source[] = L"HKEY_CURRENT_USER\\Software\\KORTests\\s";
+constexpr wchar_t Copy[] = L"HKEY_CURRENT_USER\\Software\\KORTests\\copy";
+
+Tree BelowCopy() {
+    return test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy");
+}
+
 struct CopyRow {
     const wchar_t* name;
     test::RawValue source;
@@ -49,7 +56,7 @@ TEST_F(TreeCopy, SixtyFourBitValuesCopyTheNumberLeftBehind) {
     test::SetRaw(HKEY_CURRENT_USER, test::TestSubKey, L"c", test::Dword(3));
     test::SetRaw(HKEY_CURRENT_USER, test::TestSubKey, L"d", test::Qword(8));
     ASSERT_TRUE(m_key.EnumValueNames(m_names));
-    EXPECT_TRUE(m_key.CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
+    EXPECT_TRUE(m_key.CopyValues(Copy));
     std::uint32_t number = 0;
     for (const CKORString& name : m_names) {
         number = name == L"b" ? 0xfffffffe : number;
@@ -67,7 +74,7 @@ TEST_F(TreeCopy, AValueThatCannotBeReadIsLeftOut) {
     test::SetRaw(HKEY_CURRENT_USER, source, L"c", test::Text(REG_SZ, L"c"));
     test::SetRaw(HKEY_CURRENT_USER, source, L"d", test::Text(REG_EXPAND_SZ, L"d"));
     test::SetRaw(HKEY_CURRENT_USER, source, L"e", test::Text(REG_SZ, L"e"));
-    CRegistryKey key(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey key(Source);
     {
         HOOK_IMPORT(query, RegQueryValueExW,
                     [&](HKEY opened, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
@@ -77,9 +84,9 @@ TEST_F(TreeCopy, AValueThatCannotBeReadIsLeftOut) {
                         return isRefused ? LSTATUS{ERROR_ACCESS_DENIED}
                                          : query.Original(opened, name, reserved, type, data, size);
                     });
-        EXPECT_TRUE(key.CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
+        EXPECT_TRUE(key.CopyValues(Copy));
     }
-    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"), (Tree{L":a", L":e"}));
+    EXPECT_EQ(BelowCopy(), (Tree{L":a", L":e"}));
 }
 
 // The same rule makes such branches impossible anywhere but in a volatile location.
@@ -87,9 +94,9 @@ TEST_F(TreeCopy, BranchesThatNameVolatileAreLeftOut) {
     Set(L"s\\a", L"v");
     Set(L"s\\a\\Nonvolatile\\below", L"v");
     Set(L"s\\volatile", L"v");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
-    EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
-    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"), (Tree{L"a", L"a:v"}));
+    CRegistryKey source(Source);
+    EXPECT_TRUE(source.CopyTree(Copy, L"HKEY_USERS"));
+    EXPECT_EQ(BelowCopy(), (Tree{L"a", L"a:v"}));
     EXPECT_TRUE(source.CopyTree(L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\volatile\\copy", L"HKEY_USERS"));
     EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, test::Runtime + L"\\volatile\\copy"),
               (Tree{L"a", L"a:v", L"a\\Nonvolatile", L"a\\Nonvolatile\\below",
@@ -98,7 +105,7 @@ TEST_F(TreeCopy, BranchesThatNameVolatileAreLeftOut) {
 
 TEST_F(TreeCopy, CopiesFollowTheDestinationsRule) {
     Set(L"s", L"n");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     EXPECT_TRUE(source.CopyValues(L"HKEY_LOCAL_MACHINE\\Software\\KORTests\\copy"))
         << "single copies do not count";
     EXPECT_TRUE(test::KeyExists(HKEY_LOCAL_MACHINE, L"Software\\KORTests\\copy"));
@@ -126,7 +133,7 @@ TEST_F(TreeCopy, ABadDestinationIsAFailure) {
 // An ordinary key with this name may be opened but not made.
 TEST_F(TreeCopy, ADestinationThatExistsIsNotCreated) {
     Set(L"s", L"n");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     const CKORString destination = CKORString(test::UserKey) + L"\\my volatile key";
     EXPECT_FALSE(source.CopyValues(destination));
     EXPECT_EQ(Below(), (Tree{L"s", L"s:n"}));
@@ -137,15 +144,11 @@ TEST_F(TreeCopy, ADestinationThatExistsIsNotCreated) {
 
 TEST_F(TreeCopy, AnEnumerationThatFailsIsAFailureOfTheCopy) {
     Set(L"s", L"n");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     {
-        HOOK_IMPORT(enumValue, RegEnumValueW,
-                    [](HKEY, DWORD, LPWSTR, LPDWORD, LPDWORD, LPDWORD, LPBYTE, LPDWORD) -> LSTATUS {
-                        return ERROR_ACCESS_DENIED;
-                    });
-        EXPECT_FALSE(source.CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
-        EXPECT_FALSE(
-            source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
+        HOOK_IMPORT(enumValue, RegEnumValueW, test::Refused);
+        EXPECT_FALSE(source.CopyValues(Copy));
+        EXPECT_FALSE(source.CopyTree(Copy, L"HKEY_USERS"));
     }
     EXPECT_EQ(Below(), (Tree{L"copy", L"s", L"s:n"}));
     EXPECT_TRUE(source.IsOpen());
@@ -154,16 +157,13 @@ TEST_F(TreeCopy, AnEnumerationThatFailsIsAFailureOfTheCopy) {
 TEST_F(TreeCopy, AListOfValuesThatBreaksOffCopiesNone) {
     Set(L"s", L"m");
     Set(L"s", L"n");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     {
-        HOOK_IMPORT(enumValue, RegEnumValueW,
-                    [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
-                        LPDWORD type, LPBYTE data, LPDWORD size) {
-                        return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
-                                          : enumValue.Original(key, index, name, length, reserved,
-                                                               type, data, size);
-                    });
-        EXPECT_FALSE(source.CopyValues(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy"));
+        HOOK_IMPORT(enumValue, RegEnumValueW, [&](HKEY key, DWORD index, auto... rest) {
+            return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
+                              : enumValue.Original(key, index, rest...);
+        });
+        EXPECT_FALSE(source.CopyValues(Copy));
     }
     EXPECT_EQ(Below(), (Tree{L"copy", L"s", L"s:m", L"s:n"}));
     EXPECT_TRUE(source.IsOpen());
@@ -172,52 +172,47 @@ TEST_F(TreeCopy, AListOfValuesThatBreaksOffCopiesNone) {
 TEST_F(TreeCopy, AListOfSubKeysThatBreaksOffIsCopiedAsFarAsItGoes) {
     Set(L"s\\a", L"v");
     Set(L"s\\b", L"v");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     ASSERT_TRUE(source.EnumSubKeyNames(m_names));
     {
-        HOOK_IMPORT(enumKey, RegEnumKeyExW,
-                    [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
-                        LPWSTR keyClass, LPDWORD classLength, PFILETIME time) {
-                        return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
-                                          : enumKey.Original(key, index, name, length, reserved,
-                                                             keyClass, classLength, time);
-                    });
-        EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
+        HOOK_IMPORT(enumKey, RegEnumKeyExW, [&](HKEY key, DWORD index, auto... rest) {
+            return index == 1 ? LSTATUS{ERROR_ACCESS_DENIED}
+                              : enumKey.Original(key, index, rest...);
+        });
+        EXPECT_TRUE(source.CopyTree(Copy, L"HKEY_USERS"));
     }
     const std::wstring first = m_names[0].Text();
-    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"),
-              (Tree{first, first + L":v"}));
+    EXPECT_EQ(BelowCopy(), (Tree{first, first + L":v"}));
     EXPECT_TRUE(source.IsOpen());
-    EXPECT_EQ(source.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    EXPECT_EQ(source.GetFullName(), Source);
 }
 
 // An empty name would lead to the same key again.
 TEST_F(TreeCopy, ASubKeyWithoutANameIsLeftOut) {
     Set(L"s", L"v");
     Make(L"s\\a");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     {
         const test::NamelessSubKey nameless;
-        EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
+        EXPECT_TRUE(source.CopyTree(Copy, L"HKEY_USERS"));
         EXPECT_EQ(nameless.Walks(), 1);
     }
     EXPECT_EQ(Below(), (Tree{L"copy", L"copy:v", L"s", L"s:v", L"s\\a"}));
     EXPECT_TRUE(source.EnumSubKeyNames(m_names)) << "open";
-    EXPECT_EQ(source.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    EXPECT_EQ(source.GetFullName(), Source);
 }
 
 TEST_F(TreeCopy, ADestinationMayEndInABackslash) {
     Set(L"s", L"v");
     Set(L"s\\a\\b", L"v");
     Set(L"s\\c", L"v");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     test::RegistryCalls calls;
     EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy\\", L"HKEY_USERS"));
     for (const std::string& call : calls.Calls()) {
         EXPECT_EQ(call.find("\\\\"), std::string::npos) << call;
     }
-    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"),
-              (Tree{L":v", L"a", L"a\\b", L"a\\b:v", L"c", L"c:v"}));
+    EXPECT_EQ(BelowCopy(), (Tree{L":v", L"a", L"a\\b", L"a\\b:v", L"c", L"c:v"}));
 }
 
 TEST_F(TreeCopy, CopiesTreesWithoutTheExclusion) {
@@ -241,8 +236,7 @@ TEST_F(TreeCopy, ExclusionsAreBeginningsOfTheFullName) {
     EXPECT_TRUE(calls.Calls().empty());
     // Another case, or a longer text, excludes nothing.
     CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\a");
-    EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy",
-                                L"HKEY_CURRENT_USER\\software\\KORTests"));
+    EXPECT_TRUE(source.CopyTree(Copy, L"HKEY_CURRENT_USER\\software\\KORTests"));
     EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy2",
                                 L"HKEY_CURRENT_USER\\Software\\KORTests\\ab"));
     EXPECT_TRUE(test::GetRaw(HKEY_CURRENT_USER, L"Software\\KORTests\\copy", L"v"));
@@ -255,20 +249,18 @@ TEST_F(TreeCopy, CopyTreeGoesOnAfterASubKeyThatCannotBeEntered) {
     Set(L"s\\a", L"v");
     Set(L"s\\b", L"v");
     Set(L"s\\c", L"v");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     {
-        HOOK_IMPORT(open, RegOpenKeyExW,
-                    [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                        return std::wstring(subKey) == L"Software\\KORTests\\s\\b"
-                                   ? LSTATUS{ERROR_ACCESS_DENIED}
-                                   : open.Original(root, subKey, options, access, result);
-                    });
-        EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
+        HOOK_IMPORT(open, RegOpenKeyExW, [&](HKEY root, LPCWSTR subKey, auto... rest) {
+            return std::wstring(subKey) == L"Software\\KORTests\\s\\b"
+                       ? LSTATUS{ERROR_ACCESS_DENIED}
+                       : open.Original(root, subKey, rest...);
+        });
+        EXPECT_TRUE(source.CopyTree(Copy, L"HKEY_USERS"));
     }
     EXPECT_TRUE(source.IsOpen());
-    EXPECT_EQ(source.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
-    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"),
-              (Tree{L"a", L"a:v", L"c", L"c:v"}));
+    EXPECT_EQ(source.GetFullName(), Source);
+    EXPECT_EQ(BelowCopy(), (Tree{L"a", L"a:v", L"c", L"c:v"}));
 }
 
 TEST_F(TreeCopy, CopyTreeGoesOnAfterAKeyWhoseCopyCannotBeMade) {
@@ -276,28 +268,23 @@ TEST_F(TreeCopy, CopyTreeGoesOnAfterAKeyWhoseCopyCannotBeMade) {
     Set(L"s\\b", L"v");
     Set(L"s\\b\\below", L"v");
     Set(L"s\\c", L"v");
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     {
-        HOOK_IMPORT(create, RegCreateKeyExW,
-                    [&](HKEY root, LPCWSTR subKey, DWORD reserved, LPWSTR keyClass, DWORD options,
-                        REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY result,
-                        LPDWORD disposition) {
-                        return std::wstring(subKey) == L"Software\\KORTests\\copy\\b"
-                                   ? LSTATUS{ERROR_ACCESS_DENIED}
-                                   : create.Original(root, subKey, reserved, keyClass, options,
-                                                     access, security, result, disposition);
-                    });
-        EXPECT_TRUE(source.CopyTree(L"HKEY_CURRENT_USER\\Software\\KORTests\\copy", L"HKEY_USERS"));
+        HOOK_IMPORT(create, RegCreateKeyExW, [&](HKEY root, LPCWSTR subKey, auto... rest) {
+            return std::wstring(subKey) == L"Software\\KORTests\\copy\\b"
+                       ? LSTATUS{ERROR_ACCESS_DENIED}
+                       : create.Original(root, subKey, rest...);
+        });
+        EXPECT_TRUE(source.CopyTree(Copy, L"HKEY_USERS"));
     }
-    EXPECT_EQ(source.GetFullName(), L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
-    EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, L"Software\\KORTests\\copy"),
-              (Tree{L"a", L"a:v", L"c", L"c:v"}));
+    EXPECT_EQ(source.GetFullName(), Source);
+    EXPECT_EQ(BelowCopy(), (Tree{L"a", L"a:v", L"c", L"c:v"}));
 }
 
 TEST_F(TreeCopy, TheRealTimeLayoutGoesWithTheTemporaryKeys) {
     CRegistryKey::SetRtxMode(true);
     test::SetRaw(HKEY_CURRENT_USER, L"Software\\KORTests\\s", L"n", test::Dword(4));
-    CRegistryKey source(L"HKEY_CURRENT_USER\\Software\\KORTests\\s");
+    CRegistryKey source(Source);
     CRegistryKey::SetRtxMode(false);
     EXPECT_TRUE(source.CopyValues(L"M_KOR_HKEY_CURRENT_USER_RUNTIME\\copy"));
     EXPECT_EQ(test::GetRaw(HKEY_LOCAL_MACHINE,

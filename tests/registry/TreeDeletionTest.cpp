@@ -10,7 +10,7 @@ using Tree = std::vector<std::wstring>;
 using TreeDeletion = test::TreeTest;
 
 TEST_F(TreeDeletion, CreatesSubKeys) {
-    test::RegistryCalls calls;
+    test::BalancedCalls calls;
     CRegistryKey key(test::UserKey);
     calls.Clear();
     EXPECT_TRUE(key.CreateSubKey(L"a\\\\"));
@@ -23,8 +23,6 @@ TEST_F(TreeDeletion, CreatesSubKeys) {
     EXPECT_FALSE(key.CreateSubKey(L"\\a")) << "the system takes no leading backslash";
     EXPECT_EQ(Below(), (Tree{L"a", L"b", L"b\\c"}));
     EXPECT_TRUE(key.IsOpen());
-    key.Close();
-    EXPECT_EQ(calls.HandleFaults(), "");
 }
 
 TEST_F(TreeDeletion, DeleteTreeLeavesTheEmptySubKey) {
@@ -186,12 +184,10 @@ TEST_F(TreeDeletion, AFailureOnTheWayLeavesTheRest) {
     for (const wchar_t* name : {L"t\\a", L"t\\b\\x", L"t\\c"}) {
         Make(name);
     }
-    HOOK_IMPORT(deleteKey, RegDeleteKeyExW,
-                [&](HKEY key, LPCWSTR name, REGSAM view, DWORD reserved) -> LSTATUS {
-                    return std::wstring(name) == L"x"
-                               ? LSTATUS{ERROR_ACCESS_DENIED}
-                               : deleteKey.Original(key, name, view, reserved);
-                });
+    HOOK_IMPORT(deleteKey, RegDeleteKeyExW, [&](HKEY key, LPCWSTR name, auto... rest) -> LSTATUS {
+        return std::wstring(name) == L"x" ? LSTATUS{ERROR_ACCESS_DENIED}
+                                          : deleteKey.Original(key, name, rest...);
+    });
     EXPECT_FALSE(m_key.DeleteTree(L"t"));
     EXPECT_EQ(Below(), (Tree{L"t", L"t\\b", L"t\\b\\x", L"t\\c"}));
     ExpectAtStart();
@@ -225,13 +221,12 @@ TEST_F(TreeDeletion, AValueThatStaysEndsTheDeletion) {
 TEST_F(TreeDeletion, ASubKeyThatCannotBeEnteredEndsTheDeletion) {
     Make(L"t\\a");
     Make(L"t\\b");
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                    const std::wstring path(subKey);
-                    return path.size() > 4 && path.compare(path.size() - 4, 4, L"\\t\\a") == 0
-                               ? LSTATUS{ERROR_ACCESS_DENIED}
-                               : open.Original(root, subKey, options, access, result);
-                });
+    HOOK_IMPORT(open, RegOpenKeyExW, [&](HKEY root, LPCWSTR subKey, auto... rest) {
+        const std::wstring path(subKey);
+        return path.size() > 4 && path.compare(path.size() - 4, 4, L"\\t\\a") == 0
+                   ? LSTATUS{ERROR_ACCESS_DENIED}
+                   : open.Original(root, subKey, rest...);
+    });
     EXPECT_FALSE(m_key.DeleteTree(L"t"));
     EXPECT_EQ(Below(), (Tree{L"t", L"t\\a", L"t\\b"}));
     ExpectAtStart();
@@ -259,14 +254,12 @@ TEST_F(TreeDeletion, ClearsTheCurrentUsersVolatileData) {
     EXPECT_EQ(key.GetFullName(), L"");
     test::SetRaw(HKEY_CURRENT_USER, test::Runtime + L"\\volatile\\a\\b", L"v", test::Dword(1));
     test::SetRaw(HKEY_CURRENT_USER, test::Runtime + L"\\other", L"v", test::Dword(1));
-    test::RegistryCalls calls;
+    test::BalancedCalls calls;
     EXPECT_TRUE(key.ClearCurrentUserVolatile());
     EXPECT_EQ(calls.Calls()[3],
               "RegOpenKeyExW(k1, Software\\Vantrel\\Vantrel Imaging Library\\Runtime\\Volatile, 0, "
               "20019)");
-    EXPECT_EQ(calls.HandleFaults(), "");
-    EXPECT_FALSE(key.IsOpen());
-    EXPECT_EQ(key.GetFullName(), L"");
+    EXPECT_TRUE(test::IsReset(key));
     EXPECT_EQ(test::TreeOf(HKEY_CURRENT_USER, test::Runtime),
               (Tree{L"other", L"other:v", L"volatile"}));
 }
@@ -294,7 +287,7 @@ private:
 TEST_F(TreeDeletion, AKeyThatVanishesDoesNotTakeTheObjectWithIt) {
     Set(L"t", L"a");
     Set(L"t", L"b");
-    test::RegistryCalls calls;
+    test::BalancedCalls calls;
     {
         CRegistryKey key(test::UserKey);
         const VanishingKey vanishing(L"Software\\KORTests\\t", 2);
@@ -306,7 +299,6 @@ TEST_F(TreeDeletion, AKeyThatVanishesDoesNotTakeTheObjectWithIt) {
         EXPECT_TRUE(key.OpenRelative(L".."));
     }
     EXPECT_EQ(calls.CountOf("RegFlushKey"), 1) << "a value had been deleted";
-    EXPECT_EQ(calls.HandleFaults(), "");
 }
 
 // The same in a volatile location, whose keys stay volatile.
@@ -328,16 +320,13 @@ TEST_F(TreeDeletion, AKeyThatVanishesLeavesTheLocationVolatile) {
 TEST_F(TreeDeletion, ClearingThatCannotGoBackLeavesTheObjectReset) {
     test::MakeKey(HKEY_CURRENT_USER, test::Runtime + L"\\volatile");
     int opened = 0;
-    HOOK_IMPORT(open, RegOpenKeyExW,
-                [&](HKEY root, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result) {
-                    return ++opened == 1 ? open.Original(root, subKey, options, access, result)
-                                         : LSTATUS{ERROR_ACCESS_DENIED};
-                });
+    HOOK_IMPORT(open, RegOpenKeyExW, [&](auto... all) {
+        return ++opened == 1 ? open.Original(all...) : LSTATUS{ERROR_ACCESS_DENIED};
+    });
     CRegistryKey key;
     EXPECT_FALSE(key.ClearCurrentUserVolatile());
     EXPECT_GT(opened, 1);
-    EXPECT_FALSE(key.IsOpen());
-    EXPECT_EQ(key.GetFullName(), L"");
+    EXPECT_TRUE(test::IsReset(key));
 }
 
 } // namespace

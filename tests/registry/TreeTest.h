@@ -49,8 +49,7 @@ private:
 
     int m_walks = 0;
     ImportHook<struct NamelessTag, decltype(&RegEnumKeyExW)> m_enumKey{
-        "RegEnumKeyExW",
-        [this](HKEY, DWORD index, LPWSTR, LPDWORD, LPDWORD, LPWSTR, LPDWORD, PFILETIME) -> LSTATUS {
+        "RegEnumKeyExW", [this](HKEY, DWORD index, auto...) -> LSTATUS {
             m_walks += index == 0 ? 1 : 0;
             return index == 0 && m_walks <= MostWalks ? ERROR_MORE_DATA : ERROR_NO_MORE_ITEMS;
         }};

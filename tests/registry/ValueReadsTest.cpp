@@ -13,16 +13,11 @@ using test::TestSubKey;
 
 using Lines = std::vector<std::string>;
 
-class ValueReads : public test::RegistryTest {
+class ValueReads : public test::MachineKeyTest {
 protected:
     void SetUp() override {
-        RegistryTest::SetUp();
-        test::MakeKey(HKEY_LOCAL_MACHINE, TestSubKey);
+        MachineKeyTest::SetUp();
         ASSERT_TRUE(m_key.Open(MachineKey, false));
-    }
-
-    static void Set(const std::wstring& name, const test::RawValue& value) {
-        test::SetRaw(HKEY_LOCAL_MACHINE, TestSubKey, name, value);
     }
 
     CRegistryKey m_key;
@@ -33,39 +28,32 @@ struct TypeRow {
     const wchar_t* name;
     test::RawValue value;
     RegValueType type;
-    const wchar_t* text; // null: not a text
-    bool isDword;
-    bool isQword;
-    bool isBinary;
+    const wchar_t* text = nullptr; // null: not a text
+    bool isDword = false;
+    bool isQword = false;
+    bool isBinary = false;
 };
 
 TEST_F(ValueReads, TakeTheirOwnTypeOnly) {
     const std::vector<BYTE> four = {1, 0, 0, 0};
     const std::vector<BYTE> eight = {2, 0, 0, 0, 0, 0, 0, 0};
     const TypeRow rows[] = {
-        {L"dword", {REG_DWORD, four}, RegValueType::Dword, nullptr, true, false, false},
-        {L"qword", {REG_QWORD, eight}, RegValueType::Qword, nullptr, false, true, false},
-        {L"long dword", {REG_DWORD, eight}, RegValueType::Dword, nullptr, false, false, false},
-        {L"short qword", {REG_QWORD, four}, RegValueType::Qword, nullptr, false, false, false},
-        {L"empty dword", {REG_DWORD, {}}, RegValueType::Dword, nullptr, false, false, false},
+        {L"dword", {REG_DWORD, four}, RegValueType::Dword, nullptr, true},
+        {L"qword", {REG_QWORD, eight}, RegValueType::Qword, nullptr, false, true},
+        {L"long dword", {REG_DWORD, eight}, RegValueType::Dword},
+        {L"short qword", {REG_QWORD, four}, RegValueType::Qword},
+        {L"empty dword", {REG_DWORD, {}}, RegValueType::Dword},
         {L"binary4", {REG_BINARY, four}, RegValueType::Binary, nullptr, false, false, true},
         {L"binary8", {REG_BINARY, eight}, RegValueType::Binary, nullptr, false, false, true},
         {L"binary0", {REG_BINARY, {}}, RegValueType::Binary, nullptr, false, false, true},
-        {L"text", test::Text(REG_SZ, L"ab"), RegValueType::String, L"ab", false, false, false},
-        {L"expand", test::Text(REG_EXPAND_SZ, L"%TEMP%"), RegValueType::ExpandString, L"%TEMP%",
-         false, false, false},
+        {L"text", test::Text(REG_SZ, L"ab"), RegValueType::String, L"ab"},
+        {L"expand", test::Text(REG_EXPAND_SZ, L"%TEMP%"), RegValueType::ExpandString, L"%TEMP%"},
         {L"multi", test::Text(REG_MULTI_SZ, std::wstring(L"a\0b\0", 4)), RegValueType::MultiString,
-         L"<a> <b>", false, false, false},
-        {L"none", {REG_NONE, four}, RegValueType::Unknown, nullptr, false, false, false},
-        {L"big endian",
-         {REG_DWORD_BIG_ENDIAN, four},
-         RegValueType::Unknown,
-         nullptr,
-         false,
-         false,
-         false},
-        {L"link", {REG_LINK, four}, RegValueType::Unknown, nullptr, false, false, false},
-        {L"strange", {0x1234, four}, RegValueType::Unknown, nullptr, false, false, false},
+         L"<a> <b>"},
+        {L"none", {REG_NONE, four}, RegValueType::Unknown},
+        {L"big endian", {REG_DWORD_BIG_ENDIAN, four}, RegValueType::Unknown},
+        {L"link", {REG_LINK, four}, RegValueType::Unknown},
+        {L"strange", {0x1234, four}, RegValueType::Unknown},
     };
     for (const TypeRow& row : rows) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(row.name)));

@@ -82,7 +82,7 @@ TEST_F(Writes, WriteValueTakesTheTypesThatCanBeWritten) {
 }
 
 TEST_F(Writes, FollowTheProtocol) {
-    test::RegistryCalls calls;
+    test::BalancedCalls calls;
     {
         CRegistryKey key(UserKey);
         calls.Clear();
@@ -100,7 +100,6 @@ TEST_F(Writes, FollowTheProtocol) {
         calls.Clear();
     }
     EXPECT_EQ(calls.Calls(), (Lines{"RegFlushKey(k6)", "RegCloseKey(k6)", "RegCloseKey(k1)"}));
-    EXPECT_EQ(calls.HandleFaults(), "");
 }
 
 // The key is left open for reading, whatever became of the change.
@@ -116,7 +115,7 @@ TEST_F(Writes, AFailedChangeIsFollowedByTheReopeningForReading) {
          "RegCreateKeyExW(k3, n, 0, -, 0, 20019, -, -)"},
     };
     for (const auto& row : rows) {
-        test::RegistryCalls calls;
+        test::BalancedCalls calls;
         CRegistryKey key(UserKey);
         calls.Clear();
         calls.FailCall(3);
@@ -126,8 +125,6 @@ TEST_F(Writes, AFailedChangeIsFollowedByTheReopeningForReading) {
             (Lines{"RegCloseKey(k2)", "RegOpenKeyExW(k1, Software\\KORTests, 0, f003f)", row.call,
                    "RegCloseKey(k3)", "RegOpenKeyExW(k1, Software\\KORTests, 0, 20019)"}));
         EXPECT_TRUE(key.IsOpen());
-        key.Close();
-        EXPECT_EQ(calls.HandleFaults(), "");
     }
 }
 
@@ -145,10 +142,7 @@ TEST_F(Writes, OnlySuccessfulChangesAreFlushed) {
     EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_FALSE(key.DeleteValue(L"missing")); }), 0);
     EXPECT_EQ(flushes([](CRegistryKey& key) { EXPECT_FALSE(key.DeleteSubKey(L"missing")); }), 0);
     EXPECT_EQ(flushes([](CRegistryKey& key) {
-                  HOOK_IMPORT(set, RegSetValueExW,
-                              [](HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) -> LSTATUS {
-                                  return ERROR_ACCESS_DENIED;
-                              });
+                  HOOK_IMPORT(set, RegSetValueExW, test::Refused);
                   EXPECT_FALSE(key.WriteDword(L"n", 1U));
               }),
               0);
@@ -164,16 +158,11 @@ TEST_F(Writes, AFailureDoesNotTakeBackTheNeedToFlush) {
         [](CRegistryKey& key) { return key.DeleteValue(L"missing"); },
         [](CRegistryKey& key) { return key.CreateSubKey(L"\\a"); },
         [](CRegistryKey& key) {
-            HOOK_IMPORT(deleteKey, RegDeleteKeyExW, [](HKEY, LPCWSTR, REGSAM, DWORD) -> LSTATUS {
-                return ERROR_ACCESS_DENIED;
-            });
+            HOOK_IMPORT(deleteKey, RegDeleteKeyExW, test::Refused);
             return key.DeleteSubKey(L"made");
         },
         [](CRegistryKey& key) {
-            HOOK_IMPORT(set, RegSetValueExW,
-                        [](HKEY, LPCWSTR, DWORD, DWORD, const BYTE*, DWORD) -> LSTATUS {
-                            return ERROR_ACCESS_DENIED;
-                        });
+            HOOK_IMPORT(set, RegSetValueExW, test::Refused);
             return key.WriteDword(L"n", 1U);
         },
     };
@@ -233,8 +222,7 @@ TEST_F(Writes, OnlyWritableRootsAreWritten) {
 
 // Without the per-user root the predefined one decides by the layout.
 TEST_F(Writes, ThePredefinedUserRootIsWritableInThePlainLayoutOnly) {
-    HOOK_IMPORT(openUser, RegOpenCurrentUser,
-                [](REGSAM, PHKEY) -> LSTATUS { return ERROR_ACCESS_DENIED; });
+    HOOK_IMPORT(openUser, RegOpenCurrentUser, test::Refused);
     CRegistryKey plain(UserKey);
     EXPECT_TRUE(plain.WriteDword(L"plain", 1U));
     CRegistryKey::SetRtxMode(true);

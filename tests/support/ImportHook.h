@@ -64,9 +64,22 @@ private:
     ImportHook* m_previous;
 };
 
+// Replacements for whatever function: a call of the registry that is refused, and a call that fails
+// with an error.
+inline constexpr auto Refused = [](auto...) -> LSTATUS { return ERROR_ACCESS_DENIED; };
+
+template <typename Result>
+auto FailsWith(DWORD error) {
+    return [error](auto...) {
+        SetLastError(error);
+        return Result{};
+    };
+}
+
 } // namespace test
 
 // HOOK_IMPORT(hook, RegCloseKey, [&](HKEY key) -> LSTATUS { ... hook.Original(key) ... });
+// Arguments that do not matter need no names: [&](HKEY key, auto... rest), [](auto...).
 #define HOOK_IMPORT(variable, function, ...)                                                       \
     test::ImportHook<struct function##_HookTag, decltype(&function)> variable(#function,           \
                                                                               __VA_ARGS__)

@@ -2,6 +2,7 @@
 // of every handle that they open.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <map>
@@ -78,6 +79,15 @@ private:
     ImportHook<struct ReleaseTag, decltype(&ReleaseMutex)> m_release;
     ImportHook<struct CloseHandleTag, decltype(&CloseHandle)> m_closeHandle;
     ImportHook<struct ModuleTag, decltype(&GetModuleFileNameW)> m_module;
+};
+
+// The same, and at its end each handle must have been closed just once.
+class BalancedCalls : public RegistryCalls {
+public:
+    BalancedCalls() = default;
+    BalancedCalls(const BalancedCalls&) = delete;
+    BalancedCalls& operator=(const BalancedCalls&) = delete;
+    ~BalancedCalls() { EXPECT_EQ(HandleFaults(), ""); }
 };
 
 } // namespace test

@@ -25,13 +25,11 @@ Calls CallsOf(const std::function<void()>& work) {
                     calls.push_back("open " + Narrow(subKey));
                     return open.Original(root, subKey, options, access, result);
                 });
-    HOOK_IMPORT(create, RegCreateKeyExW,
-                [&](HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, LPSECURITY_ATTRIBUTES, PHKEY,
-                    LPDWORD) -> LSTATUS {
-                    calls.emplace_back("create");
-                    return ERROR_ACCESS_DENIED;
-                });
-    HOOK_IMPORT(user, RegOpenCurrentUser, [&](REGSAM, PHKEY) -> LSTATUS {
+    HOOK_IMPORT(create, RegCreateKeyExW, [&](auto...) -> LSTATUS {
+        calls.emplace_back("create");
+        return ERROR_ACCESS_DENIED;
+    });
+    HOOK_IMPORT(user, RegOpenCurrentUser, [&](auto...) -> LSTATUS {
         calls.emplace_back("user");
         return ERROR_ACCESS_DENIED;
     });
@@ -44,13 +42,10 @@ Calls CallsOf(const std::function<void()>& work) {
             calls.push_back(kind + Narrow(name));
             return query.Original(key, name, reserved, type, data, size);
         });
-    HOOK_IMPORT(enumerate, RegEnumKeyExW,
-                [&](HKEY key, DWORD index, LPWSTR name, LPDWORD length, LPDWORD reserved,
-                    LPWSTR className, LPDWORD classLength, PFILETIME time) {
-                    calls.push_back("enumerate " + std::to_string(index));
-                    return enumerate.Original(key, index, name, length, reserved, className,
-                                              classLength, time);
-                });
+    HOOK_IMPORT(enumerate, RegEnumKeyExW, [&](HKEY key, DWORD index, auto... rest) {
+        calls.push_back("enumerate " + std::to_string(index));
+        return enumerate.Original(key, index, rest...);
+    });
     HOOK_IMPORT(close, RegCloseKey, [&](HKEY key) {
         calls.emplace_back("close");
         return close.Original(key);

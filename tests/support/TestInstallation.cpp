@@ -57,6 +57,12 @@ void TestInstallation::SetText(const std::wstring& key, const wchar_t* value,
     SetRaw(HKEY_LOCAL_MACHINE, L"Software\\" + key, value, Text(type, text));
 }
 
+void TestInstallation::MakeDevelopment(const std::wstring& folder) const {
+    SetText(LibraryKey, L"KorVersion", L"1");
+    SetText(LibraryKey, L"KORType", L"Development");
+    SetText(InstallKey, L"installdir", folder);
+}
+
 void TestInstallation::MakeKey(const std::wstring& key) const {
     test::MakeKey(HKEY_LOCAL_MACHINE, L"Software\\" + key);
 }

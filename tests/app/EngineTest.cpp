@@ -6,8 +6,12 @@
 #include <mshtmdid.h>
 #include <mshtmhst.h>
 
+#include <string>
+#include <vector>
+
 #include "tests/app/HostedDialog.h"
 #include "tests/support/GuardedMemory.h"
+#include "tests/support/SystemCalls.h"
 
 namespace {
 
@@ -323,6 +327,55 @@ TEST_F(Engine, ThePageMayLoadPicturesAndNoControls) {
                                   &none, &value, nullptr, nullptr),
                   DISP_E_MEMBERNOTFOUND);
     });
+}
+
+// What a program may make of the page's questions by members of its own.
+class OverridingDialog : public CkorcontrolcenterDlg {
+public:
+    void OnBeforeNavigate(LPDISPATCH frame, LPCTSTR url) override { Note("before", frame, url); }
+    void OnNavigateComplete(LPDISPATCH frame, LPCTSTR url) override { Note("after", frame, url); }
+    HRESULT STDMETHODCALLTYPE ShowContextMenu(DWORD menu, POINT* at, IUnknown*,
+                                              IDispatch*) override {
+        Told.push_back("menu " + std::to_string(menu) + " at " + std::to_string(at->x));
+        return E_FAIL;
+    }
+    HRESULT STDMETHODCALLTYPE GetDropTarget(IDropTarget* proposed, IDropTarget** target) override {
+        EXPECT_EQ(proposed, nullptr);
+        *target = DropTarget;
+        return DropTarget != nullptr ? S_OK : E_NOTIMPL;
+    }
+
+    std::vector<std::string> Told;
+    IDropTarget* DropTarget = nullptr;
+
+private:
+    void Note(const char* when, LPDISPATCH frame, LPCTSTR url) {
+        EXPECT_NE(frame, nullptr);
+        Told.push_back(when + (" " + test::Narrow(url)));
+    }
+};
+
+TEST_F(Engine, AProgramsOwnMembersAreAsked) {
+    OverridingDialog dialog;
+    CComPtr<IDocHostUIHandler> handler;
+    CComPtr<IDropTarget> refusing;
+    CComPtr<IDropTarget> supplied;
+    POINT position = {7, 8};
+    VARIANT url = Text(L"http://there/");
+    RunModal(dialog, m_page, {Do([&] {
+                 EXPECT_FALSE(CancelsNavigation()) << "before the page is there";
+                 m_page.Browser.Fire(DISPID_NAVIGATECOMPLETE2, {url, VariantOf(m_page.Browser)});
+                 EXPECT_EQ(Site(handler)->ShowContextMenu(3, &position, nullptr, nullptr), S_OK)
+                     << "the engine's own is never shown";
+                 ASSERT_EQ(handler->GetDropTarget(nullptr, &refusing), S_OK);
+                 dialog.DropTarget = refusing;
+                 dialog.DropTarget->AddRef();
+                 ASSERT_EQ(handler->GetDropTarget(nullptr, &supplied), S_OK);
+                 EXPECT_EQ(supplied, refusing);
+             })});
+    EXPECT_EQ(dialog.Told, (std::vector<std::string>{"before http://elsewhere/",
+                                                     "after http://there/", "menu 3 at 7"}));
+    VariantClear(&url);
 }
 
 } // namespace

@@ -147,6 +147,7 @@ TEST_F(StartUp, ClosingTheDialogEndsTheProgramWithCode0) {
             [] { return INT_PTR{WinMain(nullptr, nullptr, nullptr, SW_SHOW)}; });
         EXPECT_FALSE(goesOn);
         EXPECT_EQ(result, 0) << "the program's exit code";
+        EXPECT_EQ(m_page.Quits, 0) << "nor is another one posted";
     }
 }
 

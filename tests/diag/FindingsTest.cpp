@@ -198,4 +198,24 @@ TEST(Codes, AreThoseThatTheManualLists) {
     EXPECT_EQ(listed, known);
 }
 
+// Others install and remove while kordiag looks.
+TEST_F(Findings, ATargetThatCameBackHasAReasonToo) {
+    constexpr wchar_t Program[] = L"C:\\KorTest\\Lib\\Tools\\KorConfig.exe";
+    m_installed.DeleteFileOf(Program);
+    const PageState state;
+    m_installed.MakeFile(Program);
+    const CatalogueAnswer catalogue(state);
+    int missing = 0;
+    for (const auto& section : catalogue.Sections) {
+        for (const CatalogueAnswer::Item& answer : section.Items) {
+            if (!answer.IsShown) {
+                ++missing;
+                EXPECT_STREQ(answer.Why.Text(),
+                             L"it was not there when the page was composed, but is now");
+            }
+        }
+    }
+    EXPECT_EQ(missing, 1);
+}
+
 } // namespace

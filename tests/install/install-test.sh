@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # install-test.sh SOURCE BUILD: installs the registry layer, builds the example against what was
-# installed, and runs it; then each installed header alone.
+# installed, and runs it; then each installed header alone, and the example with the layer's sources in
+# the same build.
 set -eu
 source_dir=$1
 build_dir=$2
@@ -19,6 +20,18 @@ for header in "$work"/prefix/include/KORRegistry/*/*.h; do
         -I"$work/prefix/include/KORRegistry" -include "$header" -x c++ /dev/null
     echo "self-contained: ${header##*/include/KORRegistry/}"
 done
+
+mkdir "$work/inside"
+cat >"$work/inside/CMakeLists.txt" <<END
+cmake_minimum_required(VERSION 3.25)
+project(Inside LANGUAGES CXX)
+add_subdirectory($source_dir layer)
+add_executable(inside $source_dir/examples/registry/RegistryExample.cpp)
+target_link_libraries(inside PRIVATE KORRegistry::registry)
+END
+cmake -S "$work/inside" -B "$work/inside/build" -G Ninja \
+    --toolchain "$source_dir/cmake/mingw-w64.cmake" >"$work/log" || { cat "$work/log"; exit 1; }
+cmake --build "$work/inside/build"
 
 output=$("$source_dir/wine/in-prefix.py" "$work/example/registry_example.exe" | tr -d '\r')
 printf '%s\n' "$output"

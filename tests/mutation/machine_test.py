@@ -12,7 +12,7 @@ from build import Build, Test
 from compilation import translate
 from dependence import read_deps, read_graph
 from draw import Chosen, Sample, by_line, folder_of, shares
-from equivalents import Equivalents, as_entry
+from equivalents import Equivalents, as_entry, words
 from fault import Fault
 from mutate import Run, noticed_before, survivors
 from processes import Processes
@@ -20,6 +20,8 @@ from record import Record, Result
 from report import report
 from tree import copy_tree, files_of, processors
 from worker import ASKED
+
+ROOT = Path(__file__).resolve().parents[2]
 
 
 def fault(path="base/a.cpp", line=1, start=0, new="x", function="f"):
@@ -243,6 +245,10 @@ class Equivalence(InAFolder):
     def test_needs_a_reason(self):
         with self.assertRaises(ValueError):
             self.entries(" ")
+
+    def test_each_of_the_list_is_still_in_its_file(self):
+        for file, _, original, _ in Equivalents().reasons:
+            self.assertIn(original, words((ROOT / file).read_text(encoding="utf-8")), file)
 
     def test_the_report_counts_it_separately(self):
         results = [Result(fault(start=9, new="2"), "survived", "", 1, ()),

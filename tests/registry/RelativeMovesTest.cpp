@@ -96,6 +96,14 @@ TEST_F(RelativeMoves, UpwardsFromTheRootFails) {
     EXPECT_EQ(key.GetFullName(), L"HKEY_LOCAL_MACHINE\\Software");
 }
 
+TEST_F(RelativeMoves, LeaveTheKeyBeforeItsRoot) {
+    test::RegistryCalls calls;
+    CRegistryKey key(L"HKEY_CURRENT_USER");
+    calls.Clear();
+    EXPECT_FALSE(key.OpenRelative(L".."));
+    EXPECT_EQ(calls.Calls(), (std::vector<std::string>{"RegCloseKey(k2)", "RegCloseKey(k1)"}));
+}
+
 TEST_F(RelativeMoves, LeadFromAKeyWithANameOfOneCharacter) {
     test::MakeKey(HKEY_CURRENT_USER, L"k\\c");
     {

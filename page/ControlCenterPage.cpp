@@ -89,9 +89,11 @@ void ControlCenterPage::ComposeCell(std::int64_t row, std::int64_t column, CKORS
     rowHeight = std::max(rowHeight, SectionBaseHeight + ItemHeight * section->ShownItemCount);
 }
 
+// Sections stand in the order of their places: those of the rows above are passed over.
 ControlCenterSection* ControlCenterPage::FindSection(std::int64_t row, std::int64_t column) const {
-    const auto found =
-        std::find_if(Sections.begin(), Sections.end(), [&](const ControlCenterSection* section) {
+    const auto found = std::find_if(
+        Sections.begin() + std::min(row * ColumnCount, Sections.Count()), Sections.end(),
+        [&](const ControlCenterSection* section) {
             return section->Row == row && (ColumnCount == 1 || section->Column == column);
         });
     return found != Sections.end() ? *found : nullptr;

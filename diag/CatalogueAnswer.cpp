@@ -7,16 +7,14 @@
 
 namespace {
 
+constexpr wchar_t CameBack[] = L"it was not there when the page was composed, but is now";
+
 void AppendReason(CKORString& reasons, const CKORString& reason) {
     reasons += reasons.Length() > 0 ? L"; " : L"";
     reasons += reason;
 }
 
-// Of what is missing.
 CKORString WordsOf(const std::vector<Cause>& causes) {
-    if (causes.empty()) {
-        return L"it was not there when the page was composed, but is now";
-    }
     CKORString words;
     for (const Cause& cause : causes) {
         AppendReason(words, cause.Found);
@@ -56,7 +54,7 @@ CatalogueAnswer::CatalogueAnswer(const PageState& state) {
             CKORString why(invalid);
             if (!isThere) {
                 causes = CausesOfPath(item->Path, item->Base, item->Type == ItemFolder, page);
-                AppendReason(why, WordsOf(causes));
+                AppendReason(why, causes.empty() ? CKORString(CameBack) : WordsOf(causes));
             }
             Sections.back().Items.push_back({item, isThere, isThere && page.IsValid, causes, why});
         }

@@ -1,4 +1,4 @@
-// The codes' words, and commands as somebody types them.
+// Writes commands as somebody types them.
 #include "diag/Cause.h"
 
 #include <iterator>

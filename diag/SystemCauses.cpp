@@ -1,4 +1,4 @@
-// Asks the shell and COM what a click or the page would ask them.
+// Looks for what a click or the page needs of this system.
 #include "diag/SystemCauses.h"
 
 #include <windows.h>

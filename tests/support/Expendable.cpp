@@ -1,4 +1,4 @@
-// Looks for the variable that only the tests' own prefixes have.
+// Asks for a variable, and for a machine that may be changed: Wine, Windows Sandbox, one given up.
 #include "tests/support/Expendable.h"
 
 #include <lmcons.h>
